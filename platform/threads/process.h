@@ -1,0 +1,62 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/files/descriptor.h"
+#include "platform/threads/event.h"
+#include "platform/threads/waitable.h"
+
+namespace forgeyard {
+
+struct ProcessOptions {
+  // Host path of the program, or a name without "/" that is looked up on the PATH.
+  std::string program;
+  // All arguments, the first of them (the program's own name) included; empty: the program alone.
+  std::vector<std::string> arguments;
+  std::string workingDirectory;                         // host path; empty: this process's own
+  std::optional<std::vector<std::string>> environment;  // "NAME=value"; nothing: this process's own
+  int standardOutput = -1;                              // borrowed; -1: /dev/null
+  int standardError = -1;                               // borrowed; -1: /dev/null
+};
+
+struct ProcessStartError {
+  enum class Step { None, WorkingDirectory, Program, Resources };
+  Step step = Step::None;
+  int error = 0;        // errno
+  std::string message;  // what, which and why
+};
+
+// A child process. Is signalled when the child has ended. Destroying the object neither ends the child nor
+// waits for it; the child is reaped when it ends. Standard input is /dev/null, and the child inherits no
+// descriptor beyond the three, no blocked signals and the default action for SIGPIPE. Any thread may wait.
+class Process : public Waitable {
+ public:
+  // Null if the child could not be started, and then `error` says why.
+  static std::unique_ptr<Process> start(const ProcessOptions& options, ProcessStartError& error);
+  ~Process() override;
+
+  pid_t id() const noexcept { return pid_; }
+  int descriptor() const noexcept override;
+
+  // Empty while the child runs. The exit code (0 to 255), or 128 + the signal that ended the child. Where the
+  // program that loaded us ignores SIGCHLD the kernel keeps no code: then it is 255.
+  std::optional<int> exitCode();
+  // Sends a signal; false if the child has ended.
+  bool kill(int signal) noexcept;
+
+ private:
+  struct Watch;
+  Process(pid_t pid, Descriptor pidfd);
+
+  pid_t pid_;
+  Descriptor pidfd_;
+  std::shared_ptr<Watch> watch_;  // where the kernel has no pidfd: a thread that waits
+  std::optional<int> exitCode_;
+};
+
+}  // namespace forgeyard
