@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string_view>
+
+namespace forgeyard::registry_keys {
+
+// Keys below HKEY_CURRENT_USER that more than one program knows.
+inline constexpr std::string_view ROOT = "HKEY_CURRENT_USER";
+inline constexpr std::string_view KORVEL = R"(Software\Korvel)";
+// Value of KORVEL: the directory of the installation, a backslash path.
+inline constexpr std::string_view HOME = "Home";
+// One value for each known target; only the names count.
+inline constexpr std::string_view TARGETS = R"(Software\Korvel\Build Tool\Targets)";
+// Value name the target, text the beginning of the command line.
+inline constexpr std::string_view COMPILERS = R"(Software\Korvel\Build Tool\Compilers)";
+inline constexpr std::string_view ASSEMBLERS = R"(Software\Korvel\Build Tool\Assemblers)";
+// Value name "C:", text the host directory.
+inline constexpr std::string_view DRIVES = R"(Software\Korvel\Build Tool\Drives)";
+// Value names: tools that get their arguments as they stand, not spelled for the host.
+inline constexpr std::string_view NATIVE_PATHS = R"(Software\Korvel\Build Tool\Native Paths)";
+
+}  // namespace forgeyard::registry_keys
