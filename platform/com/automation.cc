@@ -6,7 +6,6 @@
 #include <limits>
 #include <string>
 
-
 namespace forgeyard {
 
 namespace {
@@ -44,9 +43,9 @@ bool isText(const BString& text, std::string_view word) {
 }  // namespace
 
 VARTYPE Variant::type() const noexcept {
-  constexpr std::array types{VARTYPE::VT_EMPTY, VARTYPE::VT_NULL, VARTYPE::VT_I4,   VARTYPE::VT_UI4,
-                             VARTYPE::VT_BOOL,  VARTYPE::VT_R8,   VARTYPE::VT_BSTR, VARTYPE::VT_DISPATCH,
-                             VARTYPE::VT_UNKNOWN};
+  constexpr std::array types{VARTYPE::VT_EMPTY, VARTYPE::VT_NULL,     VARTYPE::VT_I4,
+                             VARTYPE::VT_UI4,   VARTYPE::VT_BOOL,     VARTYPE::VT_R8,
+                             VARTYPE::VT_BSTR,  VARTYPE::VT_DISPATCH, VARTYPE::VT_UNKNOWN};
   return types[value_.index()];
 }
 
@@ -116,7 +115,8 @@ HRESULT Variant::toText(BString* out) const {
   } else if (const auto* d = get<double>()) {
     std::array<char, 32> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), *d).ptr;
-    *out = BString::fromNarrow(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
+    *out =
+        BString::fromNarrow(std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data())));
   } else if (type() == VARTYPE::VT_EMPTY) {
     *out = u"";
   } else {

@@ -29,10 +29,10 @@ struct IDispatch : IUnknown {
   // The description of the dual interface behind this pointer; it lives as long as the program or module.
   virtual HRESULT GetTypeInfo(const TypeInfo** out) = 0;
   virtual HRESULT GetIDsOfNames(std::span<const BString> names, std::int32_t* ids) = 0;
-  // Arguments stand in the order of the declaration, out parameters left out; the out parameter becomes *result.
-  // For a put the value is the last argument. `result` and `error` may be null.
-  virtual HRESULT Invoke(std::int32_t id, InvokeKind kind, std::span<const Variant> arguments, Variant* result,
-                         InvokeError* error) = 0;
+  // Arguments stand in the order of the declaration, out parameters left out; the out parameter becomes
+  // *result. For a put the value is the last argument. `result` and `error` may be null.
+  virtual HRESULT Invoke(std::int32_t id, InvokeKind kind, std::span<const Variant> arguments,
+                         Variant* result, InvokeError* error) = 0;
 };
 
 // Type tags of automation values, with their published numbers.
@@ -52,13 +52,13 @@ enum class VARTYPE : std::uint16_t {
 class Variant {
  public:
   Variant() noexcept = default;
-  Variant(std::int32_t value) noexcept : value_(value) {}   // NOLINT: values convert
-  Variant(std::uint32_t value) noexcept : value_(value) {}  // NOLINT
-  Variant(bool value) noexcept : value_(value) {}           // NOLINT
-  Variant(double value) noexcept : value_(value) {}         // NOLINT
-  Variant(BString value) noexcept : value_(std::move(value)) {}            // NOLINT
-  Variant(Ref<IDispatch> object) noexcept : value_(std::move(object)) {}   // NOLINT
-  Variant(Ref<IUnknown> object) noexcept : value_(std::move(object)) {}    // NOLINT
+  Variant(std::int32_t value) noexcept : value_(value) {}                 // NOLINT: values convert
+  Variant(std::uint32_t value) noexcept : value_(value) {}                // NOLINT
+  Variant(bool value) noexcept : value_(value) {}                         // NOLINT
+  Variant(double value) noexcept : value_(value) {}                       // NOLINT
+  Variant(BString value) noexcept : value_(std::move(value)) {}           // NOLINT
+  Variant(Ref<IDispatch> object) noexcept : value_(std::move(object)) {}  // NOLINT
+  Variant(Ref<IUnknown> object) noexcept : value_(std::move(object)) {}   // NOLINT
   static Variant null() noexcept {
     Variant result;
     result.value_ = Null{};
@@ -73,8 +73,8 @@ class Variant {
     return std::get_if<T>(&value_);
   }
 
-  // Conversions as automation does them: DISP_E_TYPEMISMATCH where none exists, DISP_E_OVERFLOW where the value
-  // doesn't fit. Text converts to numbers only when all of it is one; truth is -1 as a number.
+  // Conversions as automation does them: DISP_E_TYPEMISMATCH where none exists, DISP_E_OVERFLOW where the
+  // value doesn't fit. Text converts to numbers only when all of it is one; truth is -1 as a number.
   HRESULT toInt32(std::int32_t* out) const;
   HRESULT toUint32(std::uint32_t* out) const;
   HRESULT toBool(bool* out) const;

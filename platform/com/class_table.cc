@@ -18,7 +18,9 @@ void addClassSource(GetClassObject source) {
   if (std::find(sources().begin(), sources().end(), source) == sources().end()) sources().push_back(source);
 }
 
-void removeClassSource(GetClassObject source) { std::erase(sources(), source); }
+void removeClassSource(GetClassObject source) {
+  std::erase(sources(), source);
+}
 
 HRESULT CoGetClassObject(const Guid& clsid, Ref<IClassFactory>* out) {
   *out = nullptr;

@@ -17,8 +17,8 @@ struct IClassFactory : IUnknown {
 // A module's export: its class object for a class identifier.
 using GetClassObject = HRESULT (*)(const Guid& clsid, const Guid& iid, void** out);
 
-// Modules that serve classes in this process, asked in the order in which they were added. The host adds a module
-// when it has loaded it; a module adds itself to nothing. Apartment thread only.
+// Modules that serve classes in this process, asked in the order in which they were added. The host adds a
+// module when it has loaded it; a module adds itself to nothing. Apartment thread only.
 void addClassSource(GetClassObject source);
 void removeClassSource(GetClassObject source);
 

@@ -11,8 +11,8 @@
 
 namespace forgeyard {
 
-// Events: a source keeps the sinks that were advised on one of its event interfaces and calls them in the order in
-// which they came.
+// Events: a source keeps the sinks that were advised on one of its event interfaces and calls them in the
+// order in which they came.
 struct IConnectionPoint : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("B196B286-BAB4-101A-B69C-00AA00341D07");
@@ -40,7 +40,8 @@ struct IPropertyNotifySink : IUnknown {
   virtual HRESULT OnRequestEdit(std::int32_t id) = 0;
 };
 
-// The sinks of one event interface. An object of its own, so that it may outlive the source while a client holds it.
+// The sinks of one event interface. An object of its own, so that it may outlive the source while a client
+// holds it.
 template <class Event>
 class ConnectionPoint final : public ComObject<IConnectionPoint> {
  public:
@@ -56,8 +57,8 @@ class ConnectionPoint final : public ComObject<IConnectionPoint> {
     return S_OK;
   }
   HRESULT Unadvise(std::uint32_t cookie) override {
-    const auto found =
-        std::find_if(sinks_.begin(), sinks_.end(), [cookie](const auto& sink) { return sink.first == cookie; });
+    const auto found = std::find_if(sinks_.begin(), sinks_.end(),
+                                    [cookie](const auto& sink) { return sink.first == cookie; });
     if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
     const Ref<Event> released = std::move(found->second);
     sinks_.erase(found);
@@ -65,8 +66,8 @@ class ConnectionPoint final : public ComObject<IConnectionPoint> {
   }
 
   bool empty() const { return sinks_.empty(); }
-  // Calls body(sink) for each sink that is connected at this moment, until one answers false (a body without an
-  // answer sees all). Sinks may come and go meanwhile.
+  // Calls body(sink) for each sink that is connected at this moment, until one answers false (a body without
+  // an answer sees all). Sinks may come and go meanwhile.
   template <class Body>
   void fire(Body&& body) const {
     const auto sinks = sinks_;
@@ -94,7 +95,8 @@ class ConnectionPoints : public IConnectionPointContainer {
 
   HRESULT FindConnectionPoint(const Guid& wanted, Ref<IConnectionPoint>* out) override {
     *out = nullptr;
-    static_cast<void>(((wanted == Events::iid && (*out = Ref<IConnectionPoint>(point<Events>()), true)) || ...));
+    static_cast<void>(
+        ((wanted == Events::iid && (*out = Ref<IConnectionPoint>(point<Events>()), true)) || ...));
     return *out ? S_OK : CONNECT_E_NOCONNECTION;
   }
 

@@ -11,8 +11,8 @@
 
 namespace forgeyard {
 
-// The enumerators of collections. Next gives up to `count` values, S_FALSE when fewer were left; *fetched may be
-// null. They walk the values as they were when the enumerator was made.
+// The enumerators of collections. Next gives up to `count` values, S_FALSE when fewer were left; *fetched may
+// be null. They walk the values as they were when the enumerator was made.
 
 struct IEnumString : IUnknown {
   using Base = IUnknown;

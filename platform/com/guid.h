@@ -60,7 +60,9 @@ constexpr std::optional<Guid> parseGuid(std::string_view text) {
 }
 
 // An identifier written in the source: text that is none doesn't compile.
-consteval Guid guid(std::string_view text) { return parseGuid(text).value(); }
+consteval Guid guid(std::string_view text) {
+  return parseGuid(text).value();
+}
 
 // Upper case without braces.
 std::string formatGuid(const Guid& guid);

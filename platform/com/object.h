@@ -8,8 +8,8 @@
 
 namespace forgeyard {
 
-// Objects alive that this binary made, plus server locks. Each program and module has a count of its own, which is
-// what lets a module say that it may be unloaded.
+// Objects alive that this binary made, plus server locks. Each program and module has a count of its own,
+// which is what lets a module say that it may be unloaded.
 [[gnu::visibility("hidden")]] inline std::atomic<long> liveObjects{0};
 
 // A base class that implements several interfaces for derived classes lists them as `using Implements =

@@ -21,8 +21,8 @@ class Ref {
   Ref(const Ref& other) noexcept : Ref(other.object_) {}
   Ref(Ref&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
   template <class U>
-    requires std::is_convertible_v<U*, T*>
-  Ref(const Ref<U>& other) noexcept : Ref(static_cast<T*>(other.get())) {}  // NOLINT: to a base
+  requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other)
+  noexcept : Ref(static_cast<T*>(other.get())) {}  // NOLINT: to a base
   ~Ref() {
     if (object_) object_->Release();
   }

@@ -8,12 +8,14 @@
 
 namespace forgeyard {
 
-// The status of every interface operation. Negative values are failures; 0 is success and 1 a success that says
-// that nothing was done.
-enum class [[nodiscard]] HRESULT : std::int32_t {};
+// The status of every interface operation. Negative values are failures; 0 is success and 1 a success that
+// says that nothing was done.
+enum class [[nodiscard]] HRESULT : std::int32_t{};
 
 namespace detail {
-constexpr HRESULT status(std::uint32_t code) { return static_cast<HRESULT>(static_cast<std::int32_t>(code)); }
+constexpr HRESULT status(std::uint32_t code) {
+  return static_cast<HRESULT>(static_cast<std::int32_t>(code));
+}
 }  // namespace detail
 
 inline constexpr HRESULT S_OK = detail::status(0);
@@ -58,14 +60,20 @@ inline constexpr HRESULT STG_E_REVERTED = detail::status(0x80030102);
 inline constexpr HRESULT STG_E_CANTSAVE = detail::status(0x80030103);
 inline constexpr HRESULT STG_E_DOCFILECORRUPT = detail::status(0x80030109);
 
-constexpr std::int32_t code(HRESULT status) noexcept { return static_cast<std::int32_t>(status); }
-constexpr bool succeeded(HRESULT status) noexcept { return code(status) >= 0; }
-constexpr bool failed(HRESULT status) noexcept { return code(status) < 0; }
+constexpr std::int32_t code(HRESULT status) noexcept {
+  return static_cast<std::int32_t>(status);
+}
+constexpr bool succeeded(HRESULT status) noexcept {
+  return code(status) >= 0;
+}
+constexpr bool failed(HRESULT status) noexcept {
+  return code(status) < 0;
+}
 // Says in the code that the caller goes on whatever the status is.
 constexpr void ignore(HRESULT) noexcept {}
 
-// A failed status on its way to the operation that answers for it. It never crosses an interface: guard() turns
-// it into a status again.
+// A failed status on its way to the operation that answers for it. It never crosses an interface: guard()
+// turns it into a status again.
 class StatusError : public std::exception {
  public:
   explicit StatusError(HRESULT status) noexcept : status_(status) {}
@@ -82,8 +90,8 @@ inline HRESULT check(HRESULT status) {
   return status;
 }
 
-// The body of an interface operation: runs it and turns every exception into a status. The body returns HRESULT
-// or nothing, which is S_OK.
+// The body of an interface operation: runs it and turns every exception into a status. The body returns
+// HRESULT or nothing, which is S_OK.
 template <class Body>
 HRESULT guard(Body&& body) noexcept {
   try {

@@ -6,13 +6,14 @@
 #include <tuple>
 #include <type_traits>
 
-#include "platform/com/ref.h"
 #include "platform/com/automation.h"
+#include "platform/com/ref.h"
 
 namespace forgeyard {
 
-// A dual interface is described once, in a table of its members: name, identifier, what they take, one line of
-// help. Late-bound calls, the console's `set` and `get`, scripts and the reference listing all read that table.
+// A dual interface is described once, in a table of its members: name, identifier, what they take, one line
+// of help. Late-bound calls, the console's `set` and `get`, scripts and the reference listing all read that
+// table.
 
 enum class ParamType : std::uint8_t { I4, UI4, Bool, R8, Bstr, Variant, Object, Enum };
 
@@ -24,7 +25,8 @@ struct Param {
 // One callable form of a member, made from its member pointer.
 struct Thunk {
   // `object` points to the interface that the table describes.
-  HRESULT (*call)(void* object, std::span<const Variant> arguments, Variant* result, InvokeError* error) = nullptr;
+  HRESULT (*call)
+  (void* object, std::span<const Variant> arguments, Variant* result, InvokeError* error) = nullptr;
   std::span<const Param> params;
   explicit operator bool() const { return call != nullptr; }
 };
@@ -138,8 +140,7 @@ inline Variant resultOf(Ref<IUnknown> object) {
 
 // Out values.
 template <class T>
-  requires(!Interface<T>)
-struct Argument<T*> {
+requires(!Interface<T>) struct Argument<T*> {
   static constexpr bool isOut = true;
   static constexpr bool optional = true;
   static constexpr Param param{paramType<T>(), true};
@@ -192,11 +193,13 @@ struct MemberThunk<Function> {
     if (failed(status)) return status;
     if (given.size() > next) return DISP_E_BADPARAMCOUNT;
     status = std::apply(
-        [&](auto&... argument) { return (static_cast<I*>(object)->*Function)(argument.pass()...); }, arguments);
+        [&](auto&... argument) { return (static_cast<I*>(object)->*Function)(argument.pass()...); },
+        arguments);
     const auto giveOne = [&](auto& argument) {
       if constexpr (std::remove_cvref_t<decltype(argument)>::isOut) *result = argument.result();
     };
-    if (succeeded(status) && result) std::apply([&](auto&... argument) { (giveOne(argument), ...); }, arguments);
+    if (succeeded(status) && result)
+      std::apply([&](auto&... argument) { (giveOne(argument), ...); }, arguments);
     return status;
   }
 
@@ -251,14 +254,19 @@ class Dual : public I {
   }
 };
 
-// FORGEYARD_TYPE_INFO(IThing, base, members...): the description of IThing; `base` is the description of the dual
-// interface above it or nullptr.
-#define FORGEYARD_TYPE_INFO(Interface, base, ...)                                            \
-  template <>                                                                                \
-  inline const TypeInfo& typeInfo<Interface>() {                                             \
-    static constexpr auto members = std::to_array<Member>({__VA_ARGS__});                    \
-    static const TypeInfo info{#Interface, Interface::iid, members, base};                   \
-    return info;                                                                             \
+// FORGEYARD_DUAL(IThing), beside the interface: says that a description exists.
+#define FORGEYARD_DUAL(Interface) \
+  template <>                     \
+  const TypeInfo& typeInfo<Interface>();
+
+// FORGEYARD_TYPE_INFO(IThing, base, members...), in one source file: the description of IThing; `base` is the
+// description of the dual interface above it or nullptr.
+#define FORGEYARD_TYPE_INFO(Interface, base, ...)                          \
+  template <>                                                              \
+  const TypeInfo& typeInfo<Interface>() {                                  \
+    static constexpr auto members = std::to_array<Member>({__VA_ARGS__});  \
+    static const TypeInfo info{#Interface, Interface::iid, members, base}; \
+    return info;                                                           \
   }
 
 }  // namespace forgeyard

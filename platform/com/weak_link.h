@@ -6,8 +6,8 @@
 
 namespace forgeyard {
 
-// Back references that count nothing. The target owns a WeakAnchor; links made from it read null once the target
-// is gone or has cut them.
+// Back references that count nothing. The target owns a WeakAnchor; links made from it read null once the
+// target is gone or has cut them.
 template <class T>
 class WeakLink {
  public:
