@@ -1,16 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <deque>
 #include <exception>
 #include <functional>
 #include <initializer_list>
 #include <list>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <thread>
 #include <type_traits>
 #include <utility>
 
@@ -91,12 +87,16 @@ class Apartment {
   struct Call;
   struct Queue;
 
-  void callOwner(void (*invoke)(void*), void* argument);
-  void serve(Call& call);
   void requireOwner() const;
+  void callOwner(void (*invoke)(void*), void* argument);
+  void serve(Call& call) noexcept;
+  void answer(Call& call, std::exception_ptr error) noexcept;
+  bool serveNext();
+  void wakeForRest();
+  bool takeQuit();
   void addStub(std::shared_ptr<Stub> stub);
-  void dropStub(const std::shared_ptr<Stub>& stub) noexcept;
-  void removeStub(Stub& stub) noexcept;
+  void dropStub(std::shared_ptr<Stub> stub) noexcept;
+  void removeStub(const std::shared_ptr<Stub>& stub) noexcept;
   void end() noexcept;
 
   const std::unique_ptr<MessageLoop> loop_;

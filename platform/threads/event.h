@@ -14,7 +14,7 @@ class Event : public Waitable {
 
   void set() noexcept;
   void reset() noexcept;
-  bool isSet() const { return isSignalled(); }
+  bool isSet() const noexcept { return isSignalled(); }
   int descriptor() const noexcept override { return fd_.get(); }
 
  private:

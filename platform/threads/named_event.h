@@ -21,7 +21,7 @@ class NamedEvent : public Waitable {
   // Wakes every waiter of every process.
   void set() noexcept;
   void reset() noexcept;
-  bool isSet() const { return isSignalled(); }
+  bool isSet() const noexcept { return isSignalled(); }
   int descriptor() const noexcept override { return fd_.get(); }
 
  private:

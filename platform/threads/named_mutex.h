@@ -40,6 +40,9 @@ class NamedMutex {
   std::optional<Holder> holder() const;
 
  private:
+  void writeHolder() noexcept;
+
+  std::string path_;
   Descriptor file_;
   bool held_ = false;
 };

@@ -22,6 +22,10 @@ struct ProcessOptions {
   std::optional<std::vector<std::string>> environment;  // "NAME=value"; nothing: this process's own
   int standardOutput = -1;                              // borrowed; -1: /dev/null
   int standardError = -1;                               // borrowed; -1: /dev/null
+  // In a process group of its own: an interrupt typed at the terminal then reaches this process alone.
+  bool ownGroup = false;
+  // Waits by a thread even where the kernel offers a descriptor for a process.
+  bool watchByThread = false;
 };
 
 struct ProcessStartError {
@@ -33,7 +37,8 @@ struct ProcessStartError {
 
 // A child process. Is signalled when the child has ended. Destroying the object neither ends the child nor
 // waits for it; the child is reaped when it ends. Standard input is /dev/null, and the child inherits no
-// descriptor beyond the three, no blocked signals and the default action for SIGPIPE. Any thread may wait.
+// descriptor beyond the three, blocks no signals and has the default action for SIGPIPE and SIGCHLD. Any
+// thread may wait.
 class Process : public Waitable {
  public:
   // Null if the child could not be started, and then `error` says why.
@@ -51,7 +56,8 @@ class Process : public Waitable {
 
  private:
   struct Watch;
-  Process(pid_t pid, Descriptor pidfd);
+  Process(pid_t pid, Descriptor pidfd, std::shared_ptr<Watch> watch) noexcept;
+  static std::unique_ptr<Process> attach(pid_t pid, const ProcessOptions& options, ProcessStartError& error);
 
   pid_t pid_;
   Descriptor pidfd_;

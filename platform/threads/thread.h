@@ -16,7 +16,7 @@ namespace forgeyard {
 // the object joins, unless detach() was called.
 class Thread : public Waitable {
  public:
-  // Throws std::system_error when the thread could not be started. The body must not throw.
+  // Throws std::system_error when the thread could not be started. What the body throws is dropped.
   Thread(const std::string& name, std::function<void()> body);
   ~Thread() override;
 

@@ -18,7 +18,7 @@ class Waitable {
 
   // Borrowed: poll it, never read or close it.
   virtual int descriptor() const noexcept = 0;
-  bool isSignalled() const;
+  bool isSignalled() const noexcept;
 
  protected:
   Waitable() = default;

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace forgeyard::detail {
+
+// Throws what the last system call reported; `what` says what was tried, and on what.
+[[noreturn]] inline void throwErrno(const std::string& what, int error = errno) {
+  throw std::system_error(error, std::generic_category(), what);
+}
+
+// Runs a system call again as long as a signal interrupts it.
+template <class Call>
+auto retry(Call&& systemCall) noexcept {
+  auto result = systemCall();
+  while (result == -1 && errno == EINTR) result = systemCall();
+  return result;
+}
+
+}  // namespace forgeyard::detail
