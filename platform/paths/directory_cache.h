@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace forgeyard {
@@ -22,9 +23,12 @@ class DirectoryCache {
 
   // `maximumNames`: of all listings together; a single directory may hold more.
   explicit DirectoryCache(std::size_t maximumNames = DEFAULT_NAMES) : maximumNames_(maximumNames) {}
+  DirectoryCache(const DirectoryCache&) = delete;
+  DirectoryCache& operator=(const DirectoryCache&) = delete;
 
-  // The name in `directory` that is `name` but for case, with a no-break space in `name` also standing for a
-  // blank; of several the first in byte order. Nothing if there is none or the directory can't be read.
+  // The name in `directory` that is `name`, or is it but for case, with a no-break space in `name` also
+  // standing for a blank; of several such the first in byte order. Nothing if there is none or the directory
+  // can't be read.
   std::optional<std::string> find(const std::string& directory, std::string_view name);
 
   // How often a directory has been read, for tests and measurements.
@@ -41,17 +45,22 @@ class DirectoryCache {
   struct Listing {
     std::string directory;
     Stamp stamp;
-    bool settled = false;  // the directory's time was old enough when it was read to show any later change
-    std::vector<std::string> names;                            // in byte order
-    std::unordered_multimap<std::size_t, std::size_t> byHash;  // folded name's hash to index in names
+    bool settled = false;  // any change since it was read shows in the stamp
+    std::vector<std::string> names;
+    std::vector<std::pair<std::size_t, std::size_t>>
+        byHash;  // hash of the folded name, index in names; sorted
+
+    std::size_t cost() const noexcept { return names.size() + 1; }
   };
 
-  Listing* current(const std::string& directory);
-  bool read(Listing& listing);
-  void trim();
+  const Listing* current(const std::string& directory);
+  static std::optional<Stamp> stampOf(const std::string& directory);
+  std::optional<Listing> read(const std::string& directory, const Stamp& stamp);
+  void keep(Listing listing);
+  void forget(std::list<Listing>::iterator listing);
 
   std::size_t maximumNames_;
-  std::size_t names_ = 0;
+  std::size_t cost_ = 0;
   std::size_t listings_ = 0;
   std::list<Listing> recent_;  // used last first
   std::unordered_map<std::string_view, std::list<Listing>::iterator> byDirectory_;

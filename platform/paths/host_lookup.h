@@ -37,7 +37,8 @@ class HostLookup {
     std::string path;
     bool found = true;
   };
-  Walk walk(std::string_view hostPath);
+  Walk walk(const std::string& hostPath);
+  std::optional<std::string> actualName(const std::string& directory, std::string_view name);
 
   HostPaths paths_;
   DirectoryCache cache_;

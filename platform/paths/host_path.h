@@ -22,8 +22,8 @@ class HostPaths {
   bool mapDrive(char letter, std::string_view hostDirectory);
   // Takes the drive in the form "C:", as the registry names it.
   bool mapDrive(std::string_view name, std::string_view hostDirectory);
-  // The directory of a drive, without a slash at its end; empty if the drive is not in the table.
-  std::string_view drive(char letter) const noexcept;
+  // The directory of a drive; nothing if the drive is not in the table.
+  std::optional<std::string> drive(char letter) const;
 
   // The host's spelling of a model path. Nothing for a path that can name no file here: a drive that is not
   // in the table, a network share, a text with a null character or no text at all. No file is looked at.

@@ -6,8 +6,6 @@
 #include <string>
 #include <string_view>
 
-#include "platform/text/bstring.h"
-
 namespace forgeyard {
 
 // The path functions of the model: pure text work on backslash paths, narrow (UTF-8) or wide, with one body
@@ -76,22 +74,5 @@ std::optional<std::string> PathRelativePathToA(std::string_view from, PathKind f
 std::optional<std::u16string> PathRelativePathToA(std::u16string_view from, PathKind fromKind,
                                                   std::u16string_view to, PathKind toKind,
                                                   std::size_t limit = MAX_PATH);
-
-// The interfaces' text goes in as it is; it would convert to both kinds of view otherwise.
-inline std::optional<std::u16string> PathCanonicalizeA(const BString& path, std::size_t limit = MAX_PATH) {
-  return PathCanonicalizeA(path.view(), limit);
-}
-inline bool PathMatchSpecA(const BString& file, const BString& spec) noexcept {
-  return PathMatchSpecA(file.view(), spec.view());
-}
-inline bool PathIsRelativeA(const BString& path) noexcept {
-  return PathIsRelativeA(path.view());
-}
-inline std::u16string_view PathFindFileNameA(const BString& path) noexcept {
-  return PathFindFileNameA(path.view());
-}
-inline std::u16string_view PathFindExtensionA(const BString& path) noexcept {
-  return PathFindExtensionA(path.view());
-}
 
 }  // namespace forgeyard

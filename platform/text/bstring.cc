@@ -49,8 +49,15 @@ BString BString::concat(std::u16string_view a, std::u16string_view b, std::u16st
   return result;
 }
 
-BString BString::fromNarrow(std::string_view narrow) { return BString(wideFromNarrow(narrow)); }
+BString BString::fromNarrow(std::string_view narrow) {
+  BString result;
+  result.buffer_ = allocate(wideLength(narrow));
+  widenInto(narrow, text(result.buffer_));
+  return result;
+}
 
-std::string BString::narrow() const { return narrowFromWide(view()); }
+std::string BString::narrow() const {
+  return narrowFromWide(view());
+}
 
 }  // namespace forgeyard

@@ -12,12 +12,12 @@
 namespace forgeyard {
 
 // The wide text of every interface: an immutable UTF-16 value that tells null from empty. Copies share one
-// buffer, so a copy costs one counted reference. Comparison and hash look at the text alone: null equals empty
-// there, and only isNull() tells them apart. Any thread may copy, compare and destroy.
+// buffer, so a copy costs one counted reference. Comparison and hash look at the text alone: null equals
+// empty there, and only isNull() tells them apart. Any thread may copy, compare and destroy.
 class BString {
  public:
   BString() noexcept = default;
-  BString(std::u16string_view text) : buffer_(allocate(text)) {}  // NOLINT: text converts by design
+  BString(std::u16string_view text) : buffer_(allocate(text)) {}         // NOLINT: text converts by design
   BString(const char16_t* text) : BString(std::u16string_view(text)) {}  // NOLINT
   BString(const std::u16string& text) : BString(std::u16string_view(text)) {}  // NOLINT
   BString(const BString& other) noexcept : buffer_(other.buffer_) { retain(); }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -26,18 +25,6 @@ constexpr bool equalFoldedAscii(std::string_view a, std::string_view b) noexcept
 }
 constexpr bool equalFoldedAscii(std::u16string_view a, std::u16string_view b) noexcept {
   return equalFoldedAscii<char16_t>(a, b);
-}
-
-// Order without regard to the case of A to Z; for sorted tables.
-template <class Char>
-constexpr std::strong_ordering compareFoldedAscii(std::basic_string_view<Char> a,
-                                                  std::basic_string_view<Char> b) noexcept {
-  for (std::size_t i = 0; i < a.size() && i < b.size(); ++i) {
-    const auto left = foldAscii(a[i]);
-    const auto right = foldAscii(b[i]);
-    if (left != right) return left <=> right;
-  }
-  return a.size() <=> b.size();
 }
 
 // The lower-case form of a letter of the Latin, Greek, Cyrillic, Armenian and full-width alphabets where

@@ -6,12 +6,13 @@
 
 namespace forgeyard {
 
-// Between UTF-8 (paths, file operations, tool output) and UTF-16 (every interface) without loss in either
-// direction, whatever the input holds:
+// Between UTF-8 (paths, file operations, tool output) and UTF-16 (every interface), for input of any kind:
 //   a byte 0xNN that is no part of valid UTF-8   <->  the lone unit U+DCNN (U+DC80..U+DCFF)
 //   any other lone surrogate                     <->  its three-byte form
-// Three bytes that would read back as something else (the form of U+DC80..U+DCFF, or the second half of a
-// pair whose first half stands right before it) count as invalid bytes and are escaped one by one.
+// Three bytes that would not come back as they are (the form of U+DC80..U+DCFF, or of a first half with a
+// second half or an escaped byte behind it) are escaped byte by byte. So every narrow text comes back from
+// its wide form, and every wide text from its narrow form but one whose escape units together spell valid
+// UTF-8.
 std::u16string wideFromNarrow(std::string_view narrow);
 std::string narrowFromWide(std::u16string_view wide);
 
