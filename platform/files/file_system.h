@@ -16,10 +16,15 @@ using FileTime = std::int64_t;
 
 struct FileStatus {
   bool directory = false;
-  bool readOnly = false;  // nobody but a superuser could open it for writing: the owner's write bit is clear
+  bool readOnly = false;  // the owner's write bit is clear
   bool readable = false;  // this process could open it for reading
   FileTime modified = 0;
   std::uint64_t size = 0;  // in bytes
+
+  // What decides whether a file is out of date: the write time of a file that could be opened for reading.
+  std::optional<FileTime> comparableTime() const {
+    return directory || !readable ? std::nullopt : std::optional<FileTime>(modified);
+  }
 };
 
 // The disk as the model sees it: every path is an absolute backslash path, and becomes a host path in here
@@ -57,11 +62,6 @@ class FileSystem {
 
   // The whole contents. std::errc::file_too_large beyond `limit` bytes; `contents` then stays as it was.
   virtual std::error_code readWhole(const BString& path, std::size_t limit, std::string& contents) = 0;
-
-  // Forgets what was learnt about directories; done by itself for what this interface changes. Call it when
-  // another program may have renamed files: after each tool that ran, together with
-  // FileTimeCache::invalidate().
-  virtual void refresh() {}
 };
 
 // The process's disk: the host's own unless a test has put another in place.
@@ -70,7 +70,7 @@ FileSystem& files();
 // Puts another disk in place of the host's for its life time. Not while other threads use files().
 class ScopedFileSystem {
  public:
-  explicit ScopedFileSystem(FileSystem& replacement);
+  explicit ScopedFileSystem(FileSystem& substitute);
   ~ScopedFileSystem();
   ScopedFileSystem(const ScopedFileSystem&) = delete;
   ScopedFileSystem& operator=(const ScopedFileSystem&) = delete;

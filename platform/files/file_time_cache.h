@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -22,31 +23,33 @@ class FileTimeCache {
   // Whether anything of that name exists, directories included.
   bool exists(const BString& path);
 
-  // Drops all times, and what the disk learnt about directories: after a tool has run.
-  void invalidate();
+  // Drops all times: after a tool has run. Costs the same however many there are.
+  void invalidate() noexcept;
   // Drops one: after this process itself has written or deleted the file.
-  void forget(const BString& path);
-
-  std::size_t size() const noexcept { return used_; }
+  void forget(const BString& path) noexcept;
 
  private:
   enum class Known : unsigned char { Nothing, Time, ExistsWithoutTime, Missing };
   struct Slot {
-    BString path;
+    BString path;  // null: the slot is free
     std::size_t hash = 0;
     FileTime time = 0;
+    std::uint32_t generation = 0;
     Known known = Known::Nothing;
-    bool taken = false;
   };
 
+  bool isCurrent(const Slot& slot) const noexcept {
+    return slot.generation == generation_ && slot.known != Known::Nothing;
+  }
   const Slot& entry(const BString& path);
-  std::size_t find(const BString& path, std::size_t hash) const noexcept;
+  Slot* find(const BString& path, std::size_t hash) noexcept;
   void read(Slot& slot);
-  void grow();
+  void rehash();
 
   FileSystem* disk_;
   std::vector<Slot> slots_;  // open addressing, a power of two
-  std::size_t used_ = 0;
+  std::size_t used_ = 0;     // slots with a path, also from before invalidate()
+  std::uint32_t generation_ = 1;
 };
 
 }  // namespace forgeyard

@@ -9,9 +9,9 @@
 
 namespace forgeyard {
 
-// A disk in memory with a clock turned by hand, for tests: put("\\p\\a.o"); tick(); put("\\p\\a.c"). Ignores
-// case and keeps the first spelling. Directories above a file that is put stand by themselves; all others
-// have to be created. For one thread.
+// A disk in memory with a clock turned by hand, for tests: put(u"\\p\\a.o"); tick(); put(u"\\p\\a.c").
+// Ignores case. Directories above a file that is put stand by themselves; all
+// others have to be created. For one thread.
 class MemoryFileSystem : public FileSystem {
  public:
   MemoryFileSystem();
@@ -47,12 +47,10 @@ class MemoryFileSystem : public FileSystem {
     FileTime modified = 0;
     std::string contents;
   };
-  using Nodes = std::map<std::u16string, Node>;
-
   Node* find(const BString& path);
-  std::error_code write(const BString& path, std::string contents, FileTime modified, bool readOnly);
+  std::error_code write(const BString& path, Node file);
 
-  Nodes nodes_;
+  std::map<std::string, Node> nodes_;  // by folded path; the root is ""
   FileTime now_ = 1'000'000'000;
   std::vector<BString> deleted_;
   std::vector<BString> created_;

@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 
 namespace forgeyard {
 

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 #include "platform/threads/runtime_directory.h"
 
 // The event is a FIFO that its holders keep open for reading and writing: bytes in it mean set. The kernel

@@ -10,7 +10,7 @@
 #include <chrono>
 #include <mutex>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 #include "platform/threads/runtime_directory.h"
 
 // The mutex is a lock on a whole file, which belongs to the open file: so each object opens its own. The

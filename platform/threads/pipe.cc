@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 #include "platform/threads/poll.h"
 
 namespace forgeyard {

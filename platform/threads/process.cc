@@ -14,7 +14,7 @@
 #include <mutex>
 #include <thread>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 
 namespace forgeyard {
 namespace {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 
 namespace forgeyard {
 namespace {

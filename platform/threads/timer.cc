@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 
 namespace forgeyard {
 

@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <vector>
 
-#include "platform/threads/os_error.h"
+#include "platform/files/os_error.h"
 #include "platform/threads/poll.h"
 
 namespace forgeyard {

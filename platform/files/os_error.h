@@ -11,6 +11,13 @@ namespace forgeyard::detail {
   throw std::system_error(error, std::generic_category(), what);
 }
 
+inline std::error_code errorOf(int error) {
+  return {error, std::generic_category()};
+}
+inline std::error_code lastError() {
+  return errorOf(errno);
+}
+
 // Runs a system call again as long as a signal interrupts it.
 template <class Call>
 auto retry(Call&& systemCall) noexcept {
