@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "platform/com/enumerators.h"
 #include "platform/com/type_info.h"
 #include "typelib/collections.h"
@@ -30,6 +32,15 @@ struct ISourceFile : IDispatch {
   // Both succeed and write nothing: times are read from the disk.
   virtual HRESULT get_LastUpdated(double* value) = 0;
   virtual HRESULT get_LastUpdatedDeps(double* value) = 0;
+};
+
+// Inside the module only: the dependency lists of a source file without a copy. Valid until the file changes.
+struct ISourceFileDependencies : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D701F-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  virtual const std::vector<BString>& manualDependencies() const = 0;
+  virtual const std::vector<BString>& automaticDependencies() const = 0;
 };
 
 struct ISourceFiles : IDispatch {

@@ -83,7 +83,8 @@ void forEach(const Ref<Enum>& enumerator, Body&& body) {
   typename Enum::Value values[kBatch];
   for (;;) {
     std::uint32_t fetched = 0;
-    const HRESULT status = check(enumerator->Next(kBatch, values, &fetched));
+    const HRESULT status = enumerator->Next(kBatch, values, &fetched);
+    check(status);
     for (std::uint32_t i = 0; i < fetched; ++i) body(values[i]);
     if (status != S_OK) return;
   }

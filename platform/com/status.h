@@ -84,10 +84,9 @@ class StatusError : public std::exception {
   HRESULT status_;
 };
 
-// Throws StatusError for a failed status and passes any success on.
-inline HRESULT check(HRESULT status) {
+// Throws StatusError for a failed status.
+inline void check(HRESULT status) {
   if (failed(status)) throw StatusError(status);
-  return status;
 }
 
 // The body of an interface operation: runs it and turns every exception into a status. The body returns

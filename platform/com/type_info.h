@@ -25,7 +25,7 @@ struct Param {
 // One callable form of a member, made from its member pointer.
 struct Thunk {
   // `object` points to the interface that the table describes.
-  HRESULT (*call)
+  HRESULT(*call)
   (void* object, std::span<const Variant> arguments, Variant* result, InvokeError* error) = nullptr;
   std::span<const Param> params;
   explicit operator bool() const { return call != nullptr; }
