@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/registry/registry_keys.h"
+#include "platform/registry/registry_line.h"
 
 namespace forgeyard {
 
@@ -56,7 +57,7 @@ class RegistryKey {
 // section for it or for a key below it. A Registry is moved, not copied, and keys become invalid with that.
 class Registry {
  public:
-  Registry();
+  Registry() = default;
   Registry(Registry&&) noexcept = default;
   Registry& operator=(Registry&&) noexcept = default;
 
@@ -98,25 +99,17 @@ class Registry {
  private:
   friend class RegistryKey;
 
-  enum class LineKind { Other, Section, Value };
-  struct Line {
-    LineKind kind = LineKind::Other;
-    std::string_view raw;   // with its line end; points into storage_
-    std::string_view name;  // the section's or value's name as written, blanks cut
-    std::string_view data;  // the value's text as written, blanks cut
-  };
+  void addText(std::string_view text);
+  RegistryLine makeLine(std::string text);
+  const RegistryLine* findValue(std::string_view fullKey, std::string_view name) const;
+  std::optional<std::size_t> placeForValue(std::string_view fullKey) const;
+  void insert(std::size_t place, std::string text);
+  template <class Visit>
+  void forEachValue(std::string_view fullKey, Visit&& visit) const;
 
-  void read(std::string_view text);
-  static Line readLine(std::string_view raw);
-  Line makeLine(std::string text);
-  std::size_t sectionEnd(std::size_t section) const;
-  std::optional<std::size_t> findSection(std::string_view fullKey) const;
-  std::optional<std::size_t> findValue(std::string_view fullKey, std::string_view name) const;
-  bool eraseLines(const std::function<bool(std::size_t section, const Line& line)>& matches);
-
-  std::forward_list<std::string> storage_;  // the file's text and every line added since
-  std::vector<Line> lines_;
-  std::string_view lineEnd_ = "\n";
+  std::forward_list<std::string> storage_;  // the file's text and every line made since
+  std::vector<RegistryLine> lines_;         // point into storage_
+  std::string lineEnd_ = "\n";
 };
 
 }  // namespace forgeyard
