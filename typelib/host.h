@@ -181,4 +181,13 @@ struct ILoadedObject : IUnknown {
   virtual HRESULT OnUnload() = 0;
 };
 
+// Inside the module: an object that reaches services through the look-up it is given, the build tool's among them.
+struct IComponentSite : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7030-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  // Kept until the object is closed.
+  virtual HRESULT SetServices(IServiceLookup* services) = 0;
+};
+
 }  // namespace forgeyard

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "engine/output_tab.h"
+#include "platform/com/connection_point.h"
+#include "platform/com/object.h"
+#include "platform/com/weak_ref.h"
+#include "platform/storage/persist.h"
+#include "platform/threads/named_event.h"
+#include "typelib/buildtool.h"
+#include "typelib/host.h"
+
+namespace forgeyard {
+
+// The one object that lives for the whole run of the host: it owns the projects of the workspace and the build
+// run, one at a time, and is the last sink of the builder protocol. What a build command reaches first. Main
+// thread only; the answers of worker threads arrive there too.
+class CBuildTool final
+    : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
+                       ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>, ILoadedObject, IUseCommands,
+                       IPersistStorage, WeakSource> {
+ public:
+  CBuildTool();
+
+  // IBuildTool
+  HRESULT get_Projects(Ref<IProjects>* out) override;
+  HRESULT get_ActiveProject(Ref<IProject>* out) override;
+  HRESULT put_ActiveProject(IProject* value) override;
+  HRESULT get_Building(std::int32_t* value) override;
+  HRESULT InsertProject(const BString& path, Ref<IProject>* out) override;
+
+  // IBuilderTask
+  HRESULT get_CurrentTask(e_task* value) override;
+  HRESULT put_CurrentTask(e_task value) override;
+  HRESULT PreBuildSelection(Ref<IEnumString>* out) override;
+
+  // IBuilderOutput: answers of the project that is being built.
+  HRESULT Error() override;
+  HRESULT Completed() override;
+  HRESULT Stopped() override;
+
+  // ILoadedObject
+  HRESULT OnLoad(IUnknown* site) override;
+  HRESULT OnUnload() override;
+
+  // IUseCommands
+  HRESULT GetCommands(std::span<const CommandEntry>* out) override;
+  HRESULT RunCommand(std::uint32_t id) override;
+  HRESULT UpdateCommand(std::uint32_t id, IHostCommand* command, std::int32_t* changed) override;
+
+  // IPersistStorage: the stream "BuildTool" in the workspace storage.
+  HRESULT GetClassID(Guid* out) override;
+  HRESULT IsDirty() override;
+  HRESULT InitNew(IStorage* storage) override;
+  HRESULT Load(IStorage* storage) override;
+  HRESULT Save(IStorage* storage, bool sameAsLoad) override;
+  HRESULT SaveCompleted(IStorage* storage) override;
+  HRESULT HandsOffStorage() override;
+
+  // The list behind IProjects.
+  const std::vector<Ref<IProject>>& projects() const { return projects_; }
+  void addProject(IProject* project);
+  void deleteProject(IProject* project);
+  Ref<IProject> newProject();
+
+ private:
+  class Services;
+
+  // Build run
+  void StartBuildRun();
+  bool buildMayStart();
+  void beginOutput();
+  HRESULT answered(std::int32_t& counter);
+  void CheckBuildRunDone();
+  void EndBuildRun();
+  void clearBuildDirty();
+  BString projectLine();
+  void build(e_task task);
+  void compileSelection();
+  void stop();
+
+  // Projects
+  void ReviewActiveProject();
+  void chooseProject(std::uint32_t position);
+  void removeActiveProject();
+  bool confirmRemoval(IProject& project);
+  void insertProjectByUser();
+  void updateProjectCommand(std::uint32_t id, IHostCommand& command, std::int32_t& changed);
+  void refreshProjectMenu();
+  bool enabled(std::uint32_t id);
+  bool hasSelection();
+  Ref<IEnumUnknown> selectedItems();
+
+  IServiceLookup* outputServices() const override { return site_.get(); }
+
+  Ref<IServiceLookup> site_;
+  Ref<IServiceLookup> services_;  // what the projects get: the host's, and this tool
+  std::vector<Ref<IProject>> projects_;
+  Ref<IProject> active_;
+  std::shared_ptr<const std::vector<BString>> selection_;  // sorted full paths
+  std::vector<Ref<IBuilderInput>> inputs_;                 // what the build run started
+  std::int32_t completed_ = 0;
+  std::int32_t errors_ = 0;
+  std::int32_t stopped_ = 0;
+  e_task task_ = E_TASK_BUILD;
+  bool building_ = false;
+  bool chained_ = false;  // would hold the build run open; nothing sets it
+  Ref<IUnknown> saveToken_;
+  std::unique_ptr<NamedEvent> stopEvent_;  // held between build runs, so that the name lives
+  Ref<IStorage> storage_;
+};
+
+}  // namespace forgeyard

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "platform/files/file_time_cache.h"
+#include "platform/text/bstring.h"
+
+namespace forgeyard {
+
+// The file times of a build: each file's is read once between two tool runs. One for the process, since one
+// tool runs at a time; main thread only.
+FileTimeCache& fileTimes();
+
+// Drops all that is known, after anything may have changed files.
+void forgetFileTimes();
+
+// Raised by each forgetFileTimes(): what was derived from older times is void.
+std::size_t fileTimesGeneration();
+
+// A dependency entry as the model stores it, resolved to the full path that it means: one that begins with
+// ".\" is relative to the working directory, any other stands as it is.
+BString resolveDependency(const BString& entry, const BString& workingDirectory);
+
+// Times of dependency entries. Projects have far fewer entries than mentions of them, and equal entries share
+// one text buffer, so each is resolved and looked up once.
+class DependencyTimes {
+ public:
+  // `workingDirectory` of the project that the entries belong to.
+  explicit DependencyTimes(BString workingDirectory = {}) : workingDirectory_(std::move(workingDirectory)) {}
+
+  const BString& workingDirectory() const { return workingDirectory_; }
+  // Nothing when the file can't be opened.
+  std::optional<FileTime> modified(const BString& entry);
+
+ private:
+  struct Slot {
+    BString entry;  // held, so that its buffer stays the key
+    std::optional<FileTime> time;
+    std::size_t generation = 0;
+  };
+  Slot& slot(const BString& entry);
+  void grow();
+
+  BString workingDirectory_;
+  std::vector<Slot> slots_;  // open addressing by the entry's buffer; a power of two
+  std::size_t used_ = 0;
+};
+
+}  // namespace forgeyard
