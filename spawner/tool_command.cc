@@ -1,0 +1,65 @@
+#include "spawner/tool_command.h"
+
+#include <sys/stat.h>
+
+#include <string_view>
+
+#include "platform/registry/registry_keys.h"
+#include "spawner/report.h"
+#include "spawner/tool_search.h"
+
+namespace forgeyard {
+namespace {
+
+std::string_view fileName(std::string_view path) {
+  return path.substr(path.rfind('/') + 1);
+}
+
+bool sameFile(const std::string& a, const std::string& b) {
+  struct stat left {};
+  struct stat right {};
+  return ::stat(a.c_str(), &left) == 0 && ::stat(b.c_str(), &right) == 0 && left.st_dev == right.st_dev &&
+         left.st_ino == right.st_ino;
+}
+
+FoundTool withDirectory(const std::string& program, const std::string& own, HostSpelling& spelling) {
+  FoundTool tool;
+  tool.file = spelling.path(program);
+  const std::size_t slash = tool.file.rfind('/');
+  tool.besideSpawner = slash != tool.file.npos && sameFile(tool.file.substr(0, slash + 1), own);
+  return tool;
+}
+
+}  // namespace
+
+FoundTool findCommandTool(const std::string& program, HostSpelling& spelling,
+                          const char* const* environment) {
+  PathBuffer own;
+  ownDirectory(own);
+  if (program.find_first_of("/\\") != program.npos) return withDirectory(program, own.text(), spelling);
+  PathBuffer file;
+  FoundTool tool;
+  switch (findTool(program.c_str(), own.text(), environment, file)) {
+    case Found::OwnDirectory:
+      tool.besideSpawner = true;
+      [[fallthrough]];
+    case Found::Path:
+      tool.file = file.text();
+      break;
+    case Found::NotExecutable:
+      tool.problem = std::string(file.text()) + " is not executable";
+      tool.exitCode = CANNOT_EXECUTE;
+      break;
+    case Found::Nowhere:
+      tool.problem = "not found in " + std::string(own.text()) + " or on PATH";
+      tool.exitCode = NOT_FOUND;
+      break;
+  }
+  return tool;
+}
+
+bool wantsNativePaths(const std::string& file, UserRegistry& registry) {
+  return registry.get().value(registry_keys::NATIVE_PATHS, fileName(file)).has_value();
+}
+
+}  // namespace forgeyard
