@@ -42,6 +42,11 @@ bool equalFoldedText(std::basic_string_view<Char> a, std::basic_string_view<Char
   std::size_t left = 0;
   std::size_t right = 0;
   while (left < a.size() && right < b.size()) {
+    if (a[left] == b[right] && static_cast<char32_t>(a[left]) < 0x80) {
+      ++left;
+      ++right;
+      continue;
+    }
     const DecodedCharacter x = decodeCharacter(a, left);
     const DecodedCharacter y = decodeCharacter(b, right);
     if (x.codePoint != y.codePoint && foldCharacter(x.codePoint) != foldCharacter(y.codePoint)) return false;
