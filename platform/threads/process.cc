@@ -128,7 +128,7 @@ class SpawnAttributes {
   posix_spawnattr_t attributes_;
 };
 
-// The null-ended array that exec takes; borrows the texts.
+// The null-ended array that exec takes; borrows the texts, which must stay where they are.
 std::vector<char*> pointers(const std::vector<std::string>& texts) {
   std::vector<char*> result;
   result.reserve(texts.size() + 1);
@@ -146,8 +146,9 @@ int spawn(const ProcessOptions& options, pid_t& pid) {
   actions.closeOthers();
   if (!options.workingDirectory.empty()) actions.changeDirectory(options.workingDirectory);
   const SpawnAttributes attributes(options.ownGroup);
-  const std::vector<char*> arguments =
-      pointers(options.arguments.empty() ? std::vector<std::string>{options.program} : options.arguments);
+  std::vector<char*> arguments = pointers(options.arguments);
+  if (options.arguments.empty())
+    arguments.insert(arguments.begin(), const_cast<char*>(options.program.c_str()));
   std::vector<char*> environment;
   if (options.environment) environment = pointers(*options.environment);
   return ::posix_spawnp(&pid, options.program.c_str(), actions.get(), attributes.get(), arguments.data(),
