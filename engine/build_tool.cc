@@ -96,14 +96,15 @@ Ref<IProject> CBuildTool::newProject() {
 }
 
 void CBuildTool::addProject(IProject* project) {
-  if (const Ref<IComponentSite> sited = query<IComponentSite>(project)) check(sited->SetServices(services_.get()));
+  if (const Ref<IComponentSite> sited = query<IComponentSite>(project))
+    check(sited->SetServices(services_.get()));
   projects_.emplace_back(project);
   ReviewActiveProject();
 }
 
 void CBuildTool::deleteProject(IProject* project) {
-  const auto found =
-      std::find_if(projects_.begin(), projects_.end(), [&](const auto& entry) { return entry.get() == project; });
+  const auto found = std::find_if(projects_.begin(), projects_.end(),
+                                  [&](const auto& entry) { return entry.get() == project; });
   if (found == projects_.end()) return;
   projects_.erase(found);
   ReviewActiveProject();
@@ -159,9 +160,13 @@ HRESULT CBuildTool::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CBuildTool::IsDirty() { return S_OK; }
+HRESULT CBuildTool::IsDirty() {
+  return S_OK;
+}
 
-HRESULT CBuildTool::InitNew(IStorage* storage) { return Load(storage); }
+HRESULT CBuildTool::InitNew(IStorage* storage) {
+  return Load(storage);
+}
 
 HRESULT CBuildTool::Load(IStorage* storage) {
   return guard([&] {

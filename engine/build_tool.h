@@ -15,13 +15,12 @@
 
 namespace forgeyard {
 
-// The one object that lives for the whole run of the host: it owns the projects of the workspace and the build
-// run, one at a time, and is the last sink of the builder protocol. What a build command reaches first. Main
-// thread only; the answers of worker threads arrive there too.
-class CBuildTool final
-    : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
-                       ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>, ILoadedObject, IUseCommands,
-                       IPersistStorage, WeakSource> {
+// The one object that lives for the whole run of the host: it owns the projects of the workspace and the
+// build run, one at a time, and is the last sink of the builder protocol. What a build command reaches first.
+// Main thread only; the answers of worker threads arrive there too.
+class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
+                                          ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>,
+                                          ILoadedObject, IUseCommands, IPersistStorage, WeakSource> {
  public:
   CBuildTool();
 

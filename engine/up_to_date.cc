@@ -96,8 +96,8 @@ BString CBuilderComponent::markerFor(const std::vector<BString>& inputs, const B
   return marker;
 }
 
-// Gives the marker of a file that was rewritten in place the present time. The outputs are looked at here as well,
-// since a build that runs whatever file times say has not done so.
+// Gives the marker of a file that was rewritten in place the present time. The outputs are looked at here as
+// well, since a build that runs whatever file times say has not done so.
 void CBuilderComponent::refreshMarker(const BString& file) {
   for (const BString& output : outputNames(file)) markerFor({file}, output);
   for (const auto& [output, marker] : markers_) {

@@ -73,6 +73,9 @@ struct IUserInterface : IUnknown {
                               MessageIcon icon, MessageAnswer* answer) = 0;
   // A modal dialog of edit boxes with OK and Cancel.
   virtual HRESULT RunDialog(const BString& title, std::span<DialogField> fields, bool* ok) = 0;
+  // One existing file, as a full path in the model's spelling.
+  virtual HRESULT ChooseFile(const BString& title, const BString& filter, const BString& extension,
+                             BString* path, bool* ok) = 0;
 };
 
 // What a view or pane has selected.
@@ -181,7 +184,8 @@ struct ILoadedObject : IUnknown {
   virtual HRESULT OnUnload() = 0;
 };
 
-// Inside the module: an object that reaches services through the look-up it is given, the build tool's among them.
+// Inside the module: an object that reaches services through the look-up it is given, the build tool's among
+// them.
 struct IComponentSite : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("5B2D7030-93C4-4E6F-A8D1-2F60C1B49E01");

@@ -1,0 +1,176 @@
+// The build run of CBuildTool: from a command to "Final result".
+
+#include <algorithm>
+
+#include "engine/build_tool.h"
+#include "engine/dependency_times.h"
+#include "engine/macro_map.h"
+#include "engine/stop_event.h"
+#include "typelib/configuration.h"
+#include "typelib/folder.h"
+
+namespace forgeyard {
+
+HRESULT CBuildTool::get_CurrentTask(e_task* value) {
+  *value = task_;
+  return S_OK;
+}
+
+HRESULT CBuildTool::put_CurrentTask(e_task value) {
+  task_ = value;
+  return S_OK;
+}
+
+HRESULT CBuildTool::PreBuildSelection(Ref<IEnumString>* out) {
+  return guard([&] { *out = make<ListEnumerator<IEnumString>>(selection_); });
+}
+
+HRESULT CBuildTool::Error() {
+  return answered(errors_);
+}
+
+HRESULT CBuildTool::Completed() {
+  return answered(completed_);
+}
+
+HRESULT CBuildTool::Stopped() {
+  return answered(stopped_);
+}
+
+HRESULT CBuildTool::answered(std::int32_t& counter) {
+  return guard([&] {
+    ++counter;
+    CheckBuildRunDone();
+  });
+}
+
+void CBuildTool::build(e_task task) {
+  task_ = task;
+  StartBuildRun();
+}
+
+// Whether every sink lets the build run start and there is something to build.
+bool CBuildTool::buildMayStart() {
+  std::int16_t refused = 0;
+  point<DBuildToolE>()->fire([&](DBuildToolE& sink) { ignore(sink.OnBuildStart(task_, &refused)); });
+  if (refused == DBuildToolE::VARIANT_TRUE) return false;
+  std::int32_t cancel = 0;
+  point<IBuildToolE>()->fire([&](IBuildToolE& sink) {
+    ignore(sink.OnBuildStart(task_, &cancel));
+    return cancel == 0;
+  });
+  return cancel == 0 && active_;
+}
+
+BString CBuildTool::projectLine() {
+  BString name;
+  BString configurationName;
+  check(active_->get_Name(&name));
+  Ref<IConfiguration> configuration;
+  check(active_->get_ActiveConfiguration(&configuration));
+  if (configuration) check(configuration->get_Name(&configurationName));
+  return BString::concat(BString::concat(u"Project: ", name, u" - Configuration: "), configurationName);
+}
+
+void CBuildTool::beginOutput() {
+  BString tab;
+  check(get_OutputTab(&tab));
+  const Ref<IOutputWindow> window = lookUp<IOutputWindow>(site_.get(), SID_OutputWindow);
+  const Ref<IOutputLines> lines = window.as<IOutputLines>();
+  if (lines) {
+    std::int32_t value = 0;
+    ignore(window->OpenTab(tab, &value, 1));
+    ignore(lines->ClearTab(tab));
+    ignore(window->ShowTab(tab));
+  }
+  say(SEPARATOR_LINE);
+  say(projectLine());
+  say(SEPARATOR_LINE);
+}
+
+void CBuildTool::StartBuildRun() {
+  if (const Ref<ISourceManager> sources = lookUp<ISourceManager>(site_.get(), SID_SourceManager)) {
+    ignore(sources->SaveAll(&saveToken_));
+  }
+  if (!buildMayStart()) return;
+  beginOutput();
+  const Ref<IBuilderInput> input = active_.as<IBuilderInput>();
+  if (!input) throw StatusError(E_FAIL);
+  inputs_ = {input};
+  completed_ = errors_ = stopped_ = 0;
+  building_ = true;
+  chained_ = false;
+  stopEvent_ = NamedEvent::create(STOP_EVENT);
+  stopEvent_->reset();
+  // Anything may have changed since the last run.
+  forgetFileTimes();
+  check(input->PreBuild(static_cast<IBuilderOutput*>(this)));
+}
+
+void CBuildTool::CheckBuildRunDone() {
+  const auto expected = static_cast<std::int32_t>(inputs_.size());
+  if (completed_ + errors_ + stopped_ != expected) return;
+  if (!chained_) {
+    building_ = false;
+    if (completed_ == expected && (task_ == E_TASK_BUILD || task_ == E_TASK_REBUILD)) clearBuildDirty();
+    point<DBuildToolE>()->fire([](DBuildToolE& sink) { ignore(sink.OnBuildEnd()); });
+    point<IBuildToolE>()->fire([](IBuildToolE& sink) { ignore(sink.OnBuildEnd()); });
+    saveToken_ = nullptr;
+  }
+  EndBuildRun();
+}
+
+void CBuildTool::clearBuildDirty() {
+  if (!active_) return;
+  Ref<IConfiguration> configuration;
+  check(active_->get_ActiveConfiguration(&configuration));
+  if (configuration) check(configuration->put_BuildDirty(0));
+  check(active_->put_BuildDirty(0));
+}
+
+void CBuildTool::EndBuildRun() {
+  if (active_) say(projectLine());
+  const std::u16string_view result = stopped_ ? u"STOPPED" : errors_ ? u"ERRORS" : u"OK";
+  say(BString::concat(u"Final result: ", result));
+  say(SEPARATOR_LINE);
+}
+
+// What the view with the focus has selected, or else the files of the active pane.
+Ref<IEnumUnknown> CBuildTool::selectedItems() {
+  Ref<IEnumUnknown> items;
+  const Ref<IMainFrame> frame = lookUp<IMainFrame>(site_.get(), SID_MainFrame);
+  if (!frame) return items;
+  Ref<IUnknown> view;
+  ignore(frame->GetActiveView(&view));
+  if (const Ref<ISelection> selection = view.as<ISelection>()) ignore(selection->GetSelection(&items));
+  if (items) return items;
+  Ref<IUnknown> pane;
+  if (const Ref<IPaneHost> panes = frame.as<IPaneHost>()) ignore(panes->GetActivePane(&pane));
+  if (const Ref<IKVSourceSafe> files = pane.as<IKVSourceSafe>())
+    ignore(files->GetSourceControlFileEnum(&items));
+  return items;
+}
+
+void CBuildTool::compileSelection() {
+  std::vector<BString> chosen;
+  forEach(selectedItems(), [&](const Ref<IUnknown>& item) {
+    const Ref<ISourceFile> file = item.as<ISourceFile>();
+    if (!file) return;
+    BString name;
+    check(file->get_Name(&name));
+    chosen.push_back(name);
+  });
+  std::sort(chosen.begin(), chosen.end());
+  chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
+  selection_ = std::make_shared<const std::vector<BString>>(std::move(chosen));
+  if (!selection_->empty()) build(E_TASK_COMPILE);
+}
+
+void CBuildTool::stop() {
+  if (!active_) return;
+  if (const auto event = NamedEvent::open(STOP_EVENT)) event->set();
+  // The event ends waiting and running tools; this marks the components.
+  if (const Ref<IBuilderInput> input = active_.as<IBuilderInput>()) check(input->Stop());
+}
+
+}  // namespace forgeyard

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <span>
+
+#include "platform/com/class_entry.h"
+
+namespace forgeyard {
+
+// The classes of the build engine, for the module's object map.
+std::span<const ClassEntry> engineClasses();
+
+}  // namespace forgeyard
