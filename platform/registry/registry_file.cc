@@ -94,7 +94,7 @@ MaybeError followLinks(std::string& file) {
       return failure(named, "the registry can't be opened", ENAMETOOLONG);
     }
     const std::string next(target, static_cast<std::size_t>(length));
-    file = next.starts_with('/') ? next : directoryOf(file) + "/" + next;
+    file = next.starts_with('/') ? next : directoryOf(file).append("/").append(next);
   }
   return failure(named, "the registry can't be opened", ELOOP);
 }
