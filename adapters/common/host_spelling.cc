@@ -15,14 +15,10 @@ bool isOptionCharacter(char c) noexcept {
   return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == '+';
 }
 
-bool isDirectory(const std::string& hostPath) noexcept {
+// The kind of file that the path names, S_IFREG say; 0 if there is none.
+mode_t kindOf(const std::string& hostPath) noexcept {
   struct stat status {};
-  return ::stat(hostPath.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
-}
-
-bool exists(const std::string& hostPath) noexcept {
-  struct stat status {};
-  return ::stat(hostPath.c_str(), &status) == 0;
+  return ::stat(hostPath.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
 }
 
 bool beginsPath(std::string_view text) noexcept {
@@ -86,8 +82,20 @@ std::string HostSpelling::outputPath(std::string_view text) {
   const std::optional<std::string> direct = lookup_.paths().toHost(text);
   if (!direct) return std::string(text);
   const std::size_t slash = direct->rfind('/');
-  if (slash == direct->npos || isDirectory(direct->substr(0, slash + 1))) return *direct;
+  if (slash == direct->npos || kindOf(direct->substr(0, slash + 1)) == S_IFDIR) return *direct;
   return lookup_.resolve(text).value_or(*direct);
+}
+
+bool HostSpelling::isFile(std::string_view text) {
+  readDrivesFor(text);
+  const auto found = lookup_.existing(text);
+  return found && kindOf(*found) == S_IFREG;
+}
+
+bool HostSpelling::isDirectory(std::string_view text) {
+  readDrivesFor(text);
+  const auto found = lookup_.existing(text);
+  return found && kindOf(*found) == S_IFDIR;
 }
 
 std::optional<std::string> HostSpelling::absolute(std::string_view text) {
@@ -96,10 +104,10 @@ std::optional<std::string> HostSpelling::absolute(std::string_view text) {
     const std::string_view first = firstComponent(text);
     if (first.empty() || first == "." || first == "..") return std::nullopt;
     const auto directory = lookup_.existing(text.substr(0, first.size() + 1));
-    if (!directory || !isDirectory(*directory)) return std::nullopt;
+    if (!directory || kindOf(*directory) != S_IFDIR) return std::nullopt;
   }
   const auto direct = lookup_.paths().toHost(text);
-  return !direct || exists(*direct) ? direct : lookup_.resolve(text);
+  return !direct || kindOf(*direct) != 0 ? direct : lookup_.resolve(text);
 }
 
 std::string HostSpelling::argument(std::string_view text) {

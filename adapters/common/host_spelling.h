@@ -25,6 +25,10 @@ class HostSpelling {
   // An argument of a tool of which nothing is known; see spellPathsInArgument.
   std::string argument(std::string_view text);
 
+  // What the path names, if it exists.
+  bool isFile(std::string_view text);
+  bool isDirectory(std::string_view text);
+
   // With the drives that the registry maps.
   const HostPaths& paths();
 

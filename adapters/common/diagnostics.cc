@@ -1,0 +1,45 @@
+#include "adapters/common/diagnostics.h"
+
+#include <errno.h>
+#include <string.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+namespace forgeyard {
+namespace {
+
+// One write for the whole line, or lines of two processes mix.
+void writeAll(int fd, std::string_view text) {
+  while (!text.empty()) {
+    const ssize_t written = ::write(fd, text.data(), text.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+}
+
+}  // namespace
+
+void Diagnostics::error(std::string_view text) const {
+  line(program_ + ": " + std::string(text));
+}
+
+void Diagnostics::line(std::string_view text) {
+  writeAll(STDERR_FILENO, std::string(text) + "\n");
+}
+
+int answerHelp(const Diagnostics& diagnostics, int count, char** arguments, std::string_view help) {
+  const std::string_view only = count == 2 ? arguments[1] : "";
+  if (only != "--help" && only != "--version") return -1;
+  std::string text(help);
+  if (only == "--version") text = std::string(diagnostics.program()) + " " FORGEYARD_VERSION "\n";
+  return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0 ? 0 : 1;
+}
+
+std::string errorWords(int error) {
+  const char* const text = ::strerrordesc_np(error);
+  return text ? text : "error " + std::to_string(error);
+}
+
+}  // namespace forgeyard

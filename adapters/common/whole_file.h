@@ -1,0 +1,20 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace forgeyard {
+
+// Errors are told as errno values; 0 is success.
+
+// Nothing, with errno set, if the file can't be read whole.
+std::optional<std::string> readWholeFile(const std::string& file);
+
+// Makes or empties the file and writes the content; removes it again if that fails.
+int writeWholeFile(const std::string& file, std::string_view content);
+
+// Puts a file with the content in the place of `file` in one step.
+int replaceFile(const std::string& file, std::string_view content);
+
+}  // namespace forgeyard

@@ -1,0 +1,93 @@
+#include "adapters/compiler/compile.h"
+
+#include <errno.h>
+#include <unistd.h>
+
+#include <optional>
+
+#include "adapters/common/child.h"
+#include "adapters/common/temporary.h"
+#include "adapters/common/whole_file.h"
+#include "adapters/compiler/dependency_file.h"
+
+namespace forgeyard {
+namespace {
+
+std::string baseName(std::string_view path) {
+  return std::string(path.substr(path.find_last_of("/\\") + 1));
+}
+
+// Where the component looks for it: the whole path of the source up to its last dot, then ".d". Nothing for a
+// path without a dot, with which it doesn't look.
+std::optional<std::string> dependencyFileOf(const std::string& source, HostSpelling& spelling) {
+  const std::size_t dot = source.rfind('.');
+  if (dot == source.npos) return std::nullopt;
+  return spelling.outputPath(source.substr(0, dot) + ".d");
+}
+
+DependencyPlace placeOf(const CompilerCommand& command, HostSpelling& spelling) {
+  const std::string& source = command.sources.front();
+  DependencyPlace place{spelledWorkingDirectory(), baseName(command.output), baseName(source), {}, {}};
+  if (place.target.empty()) place.target = place.source.substr(0, place.source.rfind('.')) + ".o";
+  const auto directory = beginsWithDrive(source) ? spelling.paths().drive(source[0]) : std::nullopt;
+  if (directory) {
+    place.drive = source.substr(0, 2);
+    place.driveDirectory = *directory;
+  }
+  return place;
+}
+
+// A directory that can't be written to gets no dependency file; that is no reason to fail.
+bool isReadOnly(int error) {
+  return error == EACCES || error == EPERM || error == EROFS;
+}
+
+// What the driver wrote, in the component's form. Nothing is laid for an empty list file: the driver reads no
+// headers for an assembler source.
+int layDependencyFile(const std::string& list, const std::string& file, const DependencyPlace& place) {
+  const std::optional<std::string> text = readWholeFile(list);
+  if (!text || text->empty()) return 0;
+  const int error = replaceFile(file, dependencyFileText(readMakeRule(*text), place));
+  return isReadOnly(error) ? 0 : error;
+}
+
+int report(const ChildResult& result, const Diagnostics& diagnostics) {
+  if (!result.problem.empty()) diagnostics.error(result.problem);
+  return result.exitCode;
+}
+
+int compileWithDependencies(CompilerCommand command, const std::string& file, HostSpelling& spelling,
+                            const Diagnostics& diagnostics) {
+  const StopSignals signals;
+  const TemporaryDirectory temporary(diagnostics.program());
+  ::unlink(file.c_str());
+  std::string list = command.dependencyOutput;
+  if (list.empty()) {
+    list = temporary.file("list.d");
+    command.arguments.insert(command.arguments.end(), {"-MF", list});
+  }
+  if (!command.namesTarget) command.arguments.insert(command.arguments.end(), {"-MT", "x"});
+
+  const ChildResult result = runChild({command.arguments, {}, {}});
+  if (StopSignals::received() != 0) return ADAPTER_SIGNAL_BASE + StopSignals::received();
+  if (!result.succeeded()) return report(result, diagnostics);
+  const int error = layDependencyFile(list, file, placeOf(command, spelling));
+  if (error == 0) return 0;
+  // With the object there the source would count as built, with dependencies that nobody knows.
+  ::unlink(command.output.c_str());
+  diagnostics.error("cannot write " + file + ": " + errorWords(error));
+  return ADAPTER_FAILED;
+}
+
+}  // namespace
+
+int compile(CompilerCommand command, HostSpelling& spelling, const Diagnostics& diagnostics) {
+  std::optional<std::string> file;
+  if (command.wantsDependencies && command.sources.size() == 1) {
+    file = dependencyFileOf(command.sources.front(), spelling);
+  }
+  if (file) return compileWithDependencies(std::move(command), *file, spelling, diagnostics);
+  return report(becomeProgram(command.arguments), diagnostics);
+}
+
+}  // namespace forgeyard

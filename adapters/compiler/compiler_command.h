@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/common/host_spelling.h"
+
+namespace forgeyard {
+
+// A command for a compiler driver with its paths in the model's spelling, turned into one that the driver
+// understands.
+struct CompilerCommand {
+  std::vector<std::string> arguments;  // the driver first; what asks for dependencies is as it was given
+  std::vector<std::string> sources;    // the input files, as the command spells them
+  std::string output;                  // host path; empty if the command names none
+  bool wantsDependencies = false;      // -MD
+  bool namesTarget = false;            // -MT or -MQ
+  std::string dependencyOutput;        // host path that -MF names
+};
+
+// `words` is what stands behind the adapter's own name. Options are those of the GNU compiler driver: paths
+// of the options that take one, and input files, are respelled; everything else is handed on word for word.
+CompilerCommand readCompilerCommand(const std::vector<std::string>& words, HostSpelling& spelling);
+
+}  // namespace forgeyard
