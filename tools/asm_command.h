@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/text/bstring.h"
+#include "typelib/settings.h"
+
+namespace forgeyard {
+
+// The command of an assembler for one file, with its macros unexpanded: switches, then the list of files.
+// `assembler` opens the line as it stands.
+BString assemblerCommand(IAsmSettings& settings, const BString& assembler);
+
+}  // namespace forgeyard

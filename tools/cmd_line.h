@@ -1,0 +1,25 @@
+#pragma once
+
+#include <utility>
+
+#include "tools/cmd_line_settings.h"
+#include "tools/tool_component.h"
+
+namespace forgeyard {
+
+// The component whose command the user types. It runs for each input file or, with 'Execute Once', once for
+// all of them. Main thread only.
+class CCmdLine final : public ToolComponent<ICmdLine, CmdLineSettings, CLSID_CmdLine> {
+ protected:
+  const char16_t* streamName() const override { return u"CmdLineSettings"; }
+  std::pair<BString, BString> newDialogTexts() const override;
+  bool gathersOnce() override;
+  void DoBuild(e_btr* status) override;
+  BString BuildOnceCommand() override;
+
+ private:
+  // False after a message in the output tab.
+  bool ValidateCommand();
+};
+
+}  // namespace forgeyard

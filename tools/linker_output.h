@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "typelib/settings.h"
+
+namespace forgeyard {
+
+enum class LinkFormat : std::uint32_t { Cpe = 0, Binary = 1, SRecord = 2 };  // all others are S-record too
+
+// The names of what a link makes, relative to the output directory.
+struct LinkerOutput {
+  std::u16string main;
+  std::u16string symbols;
+  std::u16string map;
+};
+
+// A name without an extension gets that of the format, and the side files keep its directories. A name with
+// one stays as it is, and the side files go by its last component alone.
+LinkerOutput linkerOutput(std::u16string_view outputName, LinkFormat format);
+LinkerOutput linkerOutput(ILinkSettings& settings);
+
+// The output name of a link that has none: the script's.
+std::u16string_view outputNameFor(std::u16string_view script);
+
+}  // namespace forgeyard
