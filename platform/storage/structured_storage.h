@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "platform/com/ref.h"
 #include "platform/com/unknown.h"
@@ -54,6 +55,7 @@ struct IStream : ISequentialStream {
 
 struct IEnumSTATSTG : IUnknown {
   using Base = IUnknown;
+  using Value = STATSTG;
   static constexpr Guid iid = guid("0000000D-0000-0000-C000-000000000046");
 
   // S_FALSE when fewer than `count` were left; *fetched (may be null) tells how many.
@@ -85,8 +87,19 @@ struct IRootStorage : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("00000012-0000-0000-C000-000000000046");
 
-  // Makes the file of this root another one; what is uncommitted comes along.
+  // Makes a new file with the committed contents and lets this root work on that one from now on; what is uncommitted
+  // comes along, still uncommitted. STG_E_FILEALREADYEXISTS if a file stands there.
   virtual HRESULT SwitchToFile(const BString& path) = 0;
+};
+
+// What was found damaged when a file was opened, in sentences that name the element; the root offers it. Elements that
+// can't be read are missing, streams that break off end early and say so (STG_E_DOCFILECORRUPT) to who reads on. A
+// commit writes what could be read.
+struct IDamageReport : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("7C1E0B52-6F0D-4D0A-9E43-2B7A51C6D8F4");
+
+  virtual HRESULT Findings(std::vector<BString>* out) = 0;
 };
 
 // Opens or makes a compound file at a host-mapped path in backslash form. The file stays locked against other

@@ -1,0 +1,100 @@
+#include "platform/storage/root_storage.h"
+
+#include <optional>
+#include <utility>
+
+#include "platform/storage/compound_layout.h"
+#include "platform/storage/compound_writer.h"
+#include "platform/storage/model_path.h"
+
+namespace forgeyard::compound {
+namespace {
+
+// Writes the whole tree into a file.
+auto writerOf(const CompoundLayout& layout) {
+  return [&layout](HostFile& file) { writeCompoundFile(layout, file); };
+}
+
+OpenMode rootMode(std::uint32_t mode) {
+  const OpenMode wanted = parseMode(mode);
+  // A root that isn't transacted would have to write each change at once, which can't be done safely.
+  if (wanted.write && !wanted.transacted) throw StatusError(STG_E_INVALIDFUNCTION);
+  return wanted;
+}
+
+// The file to be replaced if there is one; only its lock is wanted.
+std::optional<LockedFile> openToReplace(const FilePlace& place) {
+  try {
+    return LockedFile::open(place, true);
+  } catch (const StatusError& error) {
+    if (error.status() != STG_E_FILENOTFOUND) throw;
+    return std::nullopt;
+  }
+}
+
+}  // namespace
+
+RootStorage::RootStorage(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents, bool unwritten)
+    : file_(std::move(file)),
+      committed_(std::move(contents.root)),
+      damage_(std::move(contents.damage)),
+      unwritten_(unwritten) {
+  attach(std::make_shared<Session>(file_.place()), nullptr, name);
+  start(mode, committed_);
+}
+
+void RootStorage::commitOwn(std::uint32_t flags) {
+  if (own_ == committed_ && !unwritten_) return;
+  const CompoundLayout layout(*own_);
+  const HRESULT durable = file_.replace(writerOf(layout), (flags & STGC_ONLYIFCURRENT) != 0);
+  // From here on the new file stands there, even if a power failure could still bring the old one back.
+  unwritten_ = failed(durable);
+  committed_ = own_;
+  moveStreams(layout, file_.file());
+  check(durable);
+}
+
+HRESULT RootStorage::SwitchToFile(const BString& path) {
+  return run([&] {
+    requireWritable();
+    const CompoundLayout layout(*committed_);
+    const FilePlace place = FilePlace::resolve(file_.place().calls(), hostPathOf(path));
+    file_ = LockedFile::create(place, writerOf(layout));
+    name_ = path;
+    unwritten_ = false;
+    moveStreams(layout, file_.file());
+  });
+}
+
+HRESULT RootStorage::Findings(std::vector<BString>* out) {
+  if (!out) return STG_E_INVALIDPOINTER;
+  return run([&] {
+    out->clear();
+    for (const std::string& sentence : damage_) out->push_back(BString::fromNarrow(sentence));
+  });
+}
+
+Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BString& name, std::uint32_t mode) {
+  const OpenMode wanted = rootMode(mode);
+  if (!wanted.write) throw StatusError(STG_E_INVALIDFUNCTION);
+  const FilePlace place = FilePlace::resolve(calls, hostPath);
+  const CompoundContents empty{.root = std::make_shared<StorageTree>(), .damage = {}};
+  if (wanted.create) {
+    if (std::optional<LockedFile> old = openToReplace(place)) {
+      return Ref<IStorage>(make<RootStorage>(*std::move(old), name, wanted, empty, true));
+    }
+  }
+  const CompoundLayout layout(*empty.root);
+  return Ref<IStorage>(
+      make<RootStorage>(LockedFile::create(place, writerOf(layout)), name, wanted, empty, false));
+}
+
+Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BString& name, std::uint32_t mode) {
+  const OpenMode wanted = rootMode(mode);
+  if (wanted.create) throw StatusError(STG_E_INVALIDFUNCTION);
+  LockedFile file = LockedFile::open(FilePlace::resolve(calls, hostPath), wanted.write);
+  CompoundContents contents = readCompoundFile(file.file());
+  return Ref<IStorage>(make<RootStorage>(std::move(file), name, wanted, std::move(contents), false));
+}
+
+}  // namespace forgeyard::compound
