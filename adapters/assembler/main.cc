@@ -1,0 +1,80 @@
+// gnu-as: lets the GNU assembler answer to the command line of the assembler component.
+
+#include <stdlib.h>
+
+#include <exception>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "adapters/assembler/assembler_command.h"
+#include "adapters/common/diagnostics.h"
+#include "adapters/common/tool_family.h"
+#include "adapters/common/tool_steps.h"
+
+namespace {
+
+constexpr std::string_view HELP =
+    "usage: gnu-as ASSEMBLER [OPTION...] [SWITCH...] SOURCE,OBJECT[,SYMBOLS[,LISTING]]\n"
+    "\n"
+    "Runs a GNU assembler (mipsel-linux-gnu-as, say). OPTIONs are the assembler's own and begin with a "
+    "dash.\n"
+    "\n"
+    "  /c         lines of conditions that don't hold stay in the listing\n"
+    "  /eN=V      symbol N has the value V (--defsym)\n"
+    "  /g         symbols that aren't global stay in the object\n"
+    "  /jDIR      look for included files in DIR (-I)\n"
+    "  /m         the listing shows what macros became\n"
+    "  /oX        option X of the assembler itself, with or without its dash\n"
+    "  /q         no warnings (-W)\n"
+    "  /z, /zd    debug information (-g)\n"
+    "  /k /l /w /x  taken, without a counterpart here\n"
+    "\n"
+    "An empty field between commas is a file that isn't wanted. On failure no output stays.\n"
+    "\n"
+    "Exit code: the assembler's; 128 + n if signal n ended it; 2 wrong usage, 126 not executable, 127 not\n"
+    "found.\n";
+
+int assemble(const forgeyard::AssemblerCommand& command, const forgeyard::Diagnostics& diagnostics) {
+  using namespace forgeyard;
+  ToolSteps steps(diagnostics);
+  for (const std::string& file : {command.object, command.symbols, command.listing}) steps.output(file);
+  steps.run(assemblerArguments(command));
+  if (!command.keepLocals) {
+    steps.run({relatedTool(command.program, "as", "objcopy"), "--discard-all", command.object});
+  }
+  if (!command.symbols.empty()) {
+    steps.run({{relatedTool(command.program, "as", "nm"), "-n", command.object}, command.symbols, {}});
+  }
+  return steps.exitCode();
+}
+
+int run(const forgeyard::Diagnostics& diagnostics, const std::vector<std::string>& words) {
+  using namespace forgeyard;
+  UserRegistry registry;
+  HostSpelling spelling(registry);
+  ::setenv("LC_ALL", "C", 1);
+  const AssemblerCommand command = readAssemblerCommand(words, spelling);
+  if (command.error.empty()) return assemble(command, diagnostics);
+  diagnostics.error(command.error);
+  return ADAPTER_USAGE;
+}
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const forgeyard::Diagnostics diagnostics("gnu-as");
+  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, HELP); answered >= 0) {
+    return answered;
+  }
+  if (count < 2) {
+    diagnostics.error("no assembler named; usage: gnu-as ASSEMBLER [SWITCH...] FILES (--help tells more)");
+    return forgeyard::ADAPTER_USAGE;
+  }
+  try {
+    return run(diagnostics, {arguments + 1, arguments + count});
+  } catch (const std::exception& failure) {
+    diagnostics.error(failure.what());
+    return forgeyard::ADAPTER_FAILED;
+  }
+}
