@@ -77,6 +77,13 @@ HRESULT TestHost::RunDialog(const BString& title, std::span<DialogField> fields,
   return S_OK;
 }
 
+HRESULT TestHost::ChooseFile(const BString& title, const BString&, const BString&, BString* path, bool* ok) {
+  dialogTitles_.push_back(title.narrow());
+  *ok = !chosenFile_.isNull();
+  *path = std::exchange(chosenFile_, BString());
+  return S_OK;
+}
+
 HRESULT TestHost::OpenTab(const BString& tab, std::int32_t* value, std::int32_t) {
   openedTabs_.push_back(tab.narrow());
   *value = 1;

@@ -41,6 +41,8 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   // The next dialog is filled in by the function, which says whether OK was pressed.
   void fillDialog(Dialog next) { dialogs_.push_back(std::move(next)); }
   const std::vector<ShownMessage>& messages() const { return messages_; }
+  // The file that the next file dialog gives; without one it is cancelled.
+  void chooseFile(const BString& path) { chosenFile_ = path; }
   // Titles of the dialogs that were run.
   const std::vector<std::string>& dialogTitles() const { return dialogTitles_; }
   // Lines of one output tab, oldest first; empty for a tab that has none.
@@ -74,6 +76,8 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   HRESULT ShowMessage(const BString& text, const BString& title, MessageButtons buttons, MessageIcon icon,
                       MessageAnswer* answer) override;
   HRESULT RunDialog(const BString& title, std::span<DialogField> fields, bool* ok) override;
+  HRESULT ChooseFile(const BString& title, const BString& filter, const BString& extension, BString* path,
+                     bool* ok) override;
 
   HRESULT OpenTab(const BString& tab, std::int32_t* value, std::int32_t create) override;
   HRESULT ShowTab(const BString& tab) override;
@@ -91,6 +95,7 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   std::deque<Dialog> dialogs_;
   std::vector<ShownMessage> messages_;
   std::vector<std::string> dialogTitles_;
+  BString chosenFile_;
   std::vector<std::pair<std::string, std::string>> lines_;  // tab and text
   std::vector<std::string> openedTabs_;
   std::vector<std::pair<Guid, Ref<IUnknown>>> services_;
