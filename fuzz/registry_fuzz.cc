@@ -21,7 +21,9 @@ void readAll(const Registry& registry, const std::string& path, int depth) {
   const std::optional<RegistryKey> key = registry.open(path);
   if (!key || depth == 0) return;
   for (const std::string& name : key->valueNames()) require(key->value(name).has_value());
-  for (const std::string& name : key->subkeys()) readAll(registry, path + "\\" + name, depth - 1);
+  for (const std::string& name : key->subkeys()) {
+    readAll(registry, std::string(path).append("\\").append(name), depth - 1);
+  }
 }
 
 }  // namespace

@@ -162,7 +162,8 @@ Row commandLine(const Row& row) {
 
 void expectRow(const Row& row, const Row& actual, const char* form) {
   std::string description = form;
-  for (const auto& [name, value] : row) description += "  " + name + "=[" + value + "]";
+  for (const auto& [name, value] : row)
+    description.append("  ").append(name).append("=[").append(value).append("]");
   for (const auto& [name, value] : actual) EXPECT_EQ(value, row.at(name)) << description;
 }
 

@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <optional>
@@ -181,10 +182,10 @@ TEST_F(RegistryFile, WritersAtOnceLoseNothingAndReadersSeeWholeContent) {
 class Environment : public testing::Test {
  protected:
   void SetUp() override {
-    for (const char* name : NAMES) {
-      const char* value = getenv(name);
-      saved_.push_back(value ? std::optional<std::string>(value) : std::nullopt);
-      unsetenv(name);
+    for (std::size_t i = 0; i < saved_.size(); ++i) {
+      const char* value = getenv(NAMES[i]);
+      if (value) saved_[i] = value;
+      unsetenv(NAMES[i]);
     }
   }
   void TearDown() override {
@@ -197,8 +198,8 @@ class Environment : public testing::Test {
     }
   }
 
-  static constexpr const char* NAMES[] = {"FORGEYARD_REGISTRY", "XDG_CONFIG_HOME", "HOME"};
-  std::vector<std::optional<std::string>> saved_;
+  static constexpr std::array<const char*, 3> NAMES = {"FORGEYARD_REGISTRY", "XDG_CONFIG_HOME", "HOME"};
+  std::array<std::optional<std::string>, 3> saved_;
 };
 
 TEST_F(Environment, NamesTheFileInThreeSteps) {

@@ -32,7 +32,7 @@ class TemporaryDirectory {
 
   // Makes missing directories as well; gives the whole path.
   std::string put(std::string_view name, std::string_view content = {}) const {
-    const std::string file = *this / name;
+    std::string file = *this / name;
     std::filesystem::create_directories(std::filesystem::path(file).parent_path());
     std::ofstream(file, std::ios::binary) << content;
     return file;
