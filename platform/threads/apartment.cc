@@ -1,31 +1,66 @@
 #include "platform/threads/apartment.h"
 
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <thread>
 
 namespace forgeyard {
 
-// Lies on the stack of the thread that waits for the answer. The queue's mutex guards what the owner writes,
-// so the owner is done with the object by the time that the waiting thread sees the answer.
+namespace {
+
+// Where a thread sleeps until its call is answered: one for each thread, since it can wait for one call at a
+// time. Shared, because the owner still wakes the thread while the thread, awake already, may have ended.
+class Answer {
+ public:
+  void give() {
+    {
+      const std::lock_guard<std::mutex> lock(mutex_);
+      given_ = true;
+    }
+    arrived_.notify_one();
+  }
+  void take() {
+    std::unique_lock<std::mutex> lock(mutex_);
+    arrived_.wait(lock, [this] { return given_; });
+    given_ = false;
+  }
+
+ private:
+  std::mutex mutex_;
+  std::condition_variable arrived_;
+  bool given_ = false;
+};
+
+thread_local std::shared_ptr<Answer> ownAnswer;
+
+const std::shared_ptr<Answer>& answerOfThread() {
+  if (!ownAnswer) ownAnswer = std::make_shared<Answer>();
+  return ownAnswer;
+}
+
+}  // namespace
+
+// Lies on the stack of the thread that waits for the answer, and is gone once that is given.
 struct Apartment::Call {
   void (*invoke)(void*);
   void* argument;
-  bool answered = false;
+  std::shared_ptr<Answer> answer;
   std::exception_ptr error;
-  std::condition_variable answer;
+};
+
+struct Apartment::Item {
+  Call* call = nullptr;  // or else
+  std::function<void()> posted;
 };
 
 struct Apartment::Queue {
-  struct Item {
-    Call* call = nullptr;  // or else
-    std::function<void()> posted;
-  };
-
   std::mutex mutex;
   std::deque<Item> items;
   bool ended = false;
   bool quit = false;
+  std::atomic<int> waking{0};  // threads on their way to wake the loop
 };
 
 namespace {
@@ -70,33 +105,45 @@ void Apartment::requireOwner() const {
   if (!isOwner()) throw StatusError(RPC_E_WRONG_THREAD);
 }
 
-bool Apartment::post(std::function<void()> work) {
-  const std::lock_guard<std::mutex> lock(queue_->mutex);
-  if (queue_->ended) return false;
-  queue_->items.push_back({nullptr, std::move(work)});
-  // While there were items before, whoever serves those sees this one too. The loop is not woken after the
-  // end.
-  if (queue_->items.size() == 1) loop_->wake();
+// Changes the queue, and wakes the owner if `apply` says so; false, with nothing changed, after the end. The
+// loop is woken outside of the lock, since the owner is awake before wake() returns and takes the lock at
+// once.
+template <class Change>
+bool Apartment::change(Change&& apply) {
+  {
+    const std::lock_guard<std::mutex> lock(queue_->mutex);
+    if (queue_->ended) return false;
+    if (!apply(*queue_)) return true;
+    queue_->waking.fetch_add(1, std::memory_order_relaxed);
+  }
+  loop_->wake();
+  queue_->waking.fetch_sub(1, std::memory_order_release);
   return true;
 }
 
+// Queues an item. While there are items before it, whoever serves those sees this one too.
+bool Apartment::enqueue(Item item) {
+  return change([&](Queue& queue) {
+    queue.items.push_back(std::move(item));
+    return queue.items.size() == 1;
+  });
+}
+
+bool Apartment::post(std::function<void()> work) {
+  return enqueue({nullptr, std::move(work)});
+}
+
 void Apartment::callOwner(void (*invoke)(void*), void* argument) {
-  Call call{invoke, argument, false, nullptr, {}};
-  {
-    std::unique_lock<std::mutex> lock(queue_->mutex);
-    if (queue_->ended) throw StatusError(RPC_E_DISCONNECTED);
-    queue_->items.push_back({&call, nullptr});
-    if (queue_->items.size() == 1) loop_->wake();
-    call.answer.wait(lock, [&] { return call.answered; });
-  }
+  Call call{invoke, argument, answerOfThread(), nullptr};
+  if (!enqueue({&call, nullptr})) throw StatusError(RPC_E_DISCONNECTED);
+  ownAnswer->take();
   if (call.error) std::rethrow_exception(std::move(call.error));
 }
 
 void Apartment::answer(Call& call, std::exception_ptr error) noexcept {
-  const std::lock_guard<std::mutex> lock(queue_->mutex);
   call.error = std::move(error);
-  call.answered = true;
-  call.answer.notify_one();
+  const std::shared_ptr<Answer> answer = call.answer;
+  answer->give();
 }
 
 void Apartment::serve(Call& call) noexcept {
@@ -110,7 +157,7 @@ void Apartment::serve(Call& call) noexcept {
 }
 
 bool Apartment::serveNext() {
-  Queue::Item item;
+  Item item;
   {
     const std::lock_guard<std::mutex> lock(queue_->mutex);
     if (queue_->items.empty()) return false;
@@ -172,10 +219,10 @@ bool Apartment::takeQuit() {
 }
 
 void Apartment::quit() {
-  const std::lock_guard<std::mutex> lock(queue_->mutex);
-  if (queue_->ended) return;
-  queue_->quit = true;
-  loop_->wake();
+  change([](Queue& queue) {
+    queue.quit = true;
+    return true;
+  });
 }
 
 void Apartment::addStub(std::shared_ptr<Stub> stub) {
@@ -203,13 +250,15 @@ void Apartment::dropStub(std::shared_ptr<Stub> stub) noexcept {
 }
 
 void Apartment::end() noexcept {
-  std::deque<Queue::Item> refused;
+  std::deque<Item> refused;
   {
     const std::lock_guard<std::mutex> lock(queue_->mutex);
     queue_->ended = true;
     refused.swap(queue_->items);
   }
-  for (const Queue::Item& item : refused) {
+  // The loop is the host's, and may go with this scope.
+  while (queue_->waking.load(std::memory_order_acquire) != 0) std::this_thread::yield();
+  for (const Item& item : refused) {
     if (item.call) answer(*item.call, std::make_exception_ptr(StatusError(RPC_E_DISCONNECTED)));
   }
   refused.clear();

@@ -85,9 +85,13 @@ class Apartment {
     std::list<std::shared_ptr<Stub>>::iterator self;
   };
   struct Call;
+  struct Item;
   struct Queue;
 
   void requireOwner() const;
+  template <class Change>
+  bool change(Change&& apply);
+  bool enqueue(Item item);
   void callOwner(void (*invoke)(void*), void* argument);
   void serve(Call& call) noexcept;
   void answer(Call& call, std::exception_ptr error) noexcept;

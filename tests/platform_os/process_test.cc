@@ -72,8 +72,19 @@ TEST_P(ProcessTest, LostExitCodeIsAFailure) {
 }
 
 TEST(Process, ArgumentsArriveAsTheyAre) {
-  ChildProcess child({"echo", "a b", "", "\\home\\u\\a.c", "\"q\"", "$HOME *"});
-  EXPECT_EQ(child.output(), "a b\n\n\\home\\u\\a.c\n\"q\"\n$HOME *\n");
+  const std::string longOne(2000, 'x');
+  ChildProcess child({"echo", "a b", "", "\\home\\u\\a.c", "\"q\"", "$HOME *", longOne});
+  EXPECT_EQ(child.output(), "a b\n\n\\home\\u\\a.c\n\"q\"\n$HOME *\n" + longOne + "\n");
+}
+
+TEST(Process, WithoutArgumentsGetsItsOwnName) {
+  ProcessOptions options;
+  options.program = "/bin/true";
+  ProcessStartError error;
+  const auto process = Process::start(options, error);
+  ASSERT_TRUE(process) << error.message;
+  waitAny({process.get()});
+  EXPECT_EQ(process->exitCode(), 0);
 }
 
 TEST(Process, RunsInItsWorkingDirectory) {
