@@ -86,15 +86,18 @@ std::string HostSpelling::outputPath(std::string_view text) {
   return lookup_.resolve(text).value_or(*direct);
 }
 
-bool HostSpelling::isFile(std::string_view text) {
+std::optional<std::string> HostSpelling::existing(std::string_view text) {
   readDrivesFor(text);
-  const auto found = lookup_.existing(text);
+  return lookup_.existing(text);
+}
+
+bool HostSpelling::isFile(std::string_view text) {
+  const auto found = existing(text);
   return found && kindOf(*found) == S_IFREG;
 }
 
 bool HostSpelling::isDirectory(std::string_view text) {
-  readDrivesFor(text);
-  const auto found = lookup_.existing(text);
+  const auto found = existing(text);
   return found && kindOf(*found) == S_IFDIR;
 }
 

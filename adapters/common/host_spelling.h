@@ -25,7 +25,8 @@ class HostSpelling {
   // An argument of a tool of which nothing is known; see spellPathsInArgument.
   std::string argument(std::string_view text);
 
-  // What the path names, if it exists.
+  // The host path of what exists; nothing if there is none.
+  std::optional<std::string> existing(std::string_view text);
   bool isFile(std::string_view text);
   bool isDirectory(std::string_view text);
 

@@ -1,0 +1,182 @@
+#include "adapters/linker/link.h"
+
+#include <utility>
+
+#include "adapters/common/temporary.h"
+#include "adapters/common/tool_steps.h"
+#include "adapters/common/whole_file.h"
+#include "adapters/linker/link_script.h"
+
+namespace forgeyard {
+namespace {
+
+using Words = std::vector<std::string>;
+
+void append(Words& words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+}
+
+std::string directoryOf(const std::string& file) {
+  const std::size_t slash = file.rfind('/');
+  return slash == file.npos ? "." : file.substr(0, slash == 0 ? 1 : slash);
+}
+
+class Link {
+ public:
+  Link(const LinkCommand& command, const LinkerTools& tools, HostSpelling& spelling,
+       const Diagnostics& diagnostics)
+      : command_(command),
+        tools_(tools),
+        diagnostics_(diagnostics),
+        steps_(diagnostics),
+        temporary_(diagnostics.program()),
+        searched_(searchedDirectories()),
+        script_(spelling, searched_, temporary_.path()) {
+    for (const std::string& file :
+         {command.output, command.symbolFile, command.mapFile, command.relocations}) {
+      steps_.output(file);
+    }
+  }
+
+  int run() {
+    if (readScript() && makeLayout() && runLinker()) {
+      nameOriginalsInMap();
+      convert();
+      if (!command_.symbolFile.empty()) steps_.run({{tools_.nm, "-n", linked()}, command_.symbolFile, {}});
+      if (!command_.relocations.empty()) {
+        steps_.run({{tools_.readelf, "-rW", linked()}, command_.relocations, {}});
+      }
+    }
+    return steps_.exitCode();
+  }
+
+ private:
+  bool isImage() const { return command_.format != LinkFormat::Executable; }
+  // What the linker writes: the output itself only if nothing is done to it afterwards.
+  std::string linked() const {
+    return isImage() || command_.zeroBss ? temporary_.file("linked.elf") : command_.output;
+  }
+  std::string layoutFile() const { return temporary_.file("layout.ld"); }
+
+  Words searchedDirectories() const {
+    Words directories = command_.directories;
+    directories.push_back(directoryOf(command_.script));
+    append(directories, runtimeDirectories(tools_, temporary_.file("directory.txt")));
+    return directories;
+  }
+
+  bool readScript() {
+    if (!script_.read(command_.script)) {
+      for (const std::string& problem : script_.problems()) diagnostics_.line(problem);
+      return steps_.fail("nothing linked: the script can't be used", ADAPTER_FAILED);
+    }
+    const ScriptPlace& place = script_.globalPointer();
+    if (!command_.globalPointer.empty() && !place.file.empty()) {
+      diagnostics_.line(place.file + ":" + std::to_string(place.line) +
+                        ": warning: the script sets _gp itself, so /gp" + command_.globalPointer +
+                        " has no effect");
+    }
+    return true;
+  }
+
+  bool ownLayout() const { return !command_.globalPointer.empty() && !script_.hasSections(); }
+
+  // The linker's layout lets nobody else set _gp, so /gp needs a copy of it that does.
+  bool makeLayout() {
+    if (!ownLayout()) return true;
+    const std::string verbose = temporary_.file("verbose.txt");
+    Words words{tools_.ld, "-static"};
+    if (isImage()) words.push_back("-N");
+    words.push_back("--verbose");
+    if (!steps_.run({words, verbose, {}})) return false;
+    const std::string layout = layoutWithoutGlobalPointer(readWholeFile(verbose).value_or(""));
+    if (layout.empty())
+      return steps_.fail(tools_.ld + " doesn't tell its layout, which /gp needs", ADAPTER_FAILED);
+    const int error = writeWholeFile(layoutFile(), layout);
+    return error == 0 ||
+           steps_.fail("cannot write " + layoutFile() + ": " + errorWords(error), ADAPTER_FAILED);
+  }
+
+  Words linkerWords() const {
+    Words words{tools_.ld, "-static"};
+    if (isImage()) words.push_back("-N");  // or the image begins with pages of headers
+    if (!command_.relocations.empty()) words.push_back("--emit-relocs");
+    if (command_.crossReferences) words.push_back("--cref");
+    if (command_.warnCommon) words.push_back("--warn-common");
+    if (!command_.mapFile.empty()) words.push_back("-Map=" + command_.mapFile);
+    if (!command_.globalPointer.empty()) append(words, {"--defsym", "_gp=" + command_.globalPointer});
+    for (const std::string& symbol : command_.symbols) append(words, {"--defsym", symbol});
+    append(words, command_.options);
+    for (const std::string& directory : searched_) append(words, {"-L", directory});
+    append(words, {"-o", linked()});
+    if (ownLayout()) append(words, {"-T", layoutFile()});
+    if (script_.hasSections()) words.push_back("-T");
+    words.push_back(script_.copy());
+    return words;
+  }
+
+  bool runLinker() {
+    return steps_.run({linkerWords(), {}, [this](std::string_view line) {
+                         const std::string text = script_.explain(line);
+                         if (!text.empty()) diagnostics_.line(text);
+                       }});
+  }
+
+  // So that the map says the same for the same input.
+  void nameOriginalsInMap() {
+    if (command_.mapFile.empty()) return;
+    const std::optional<std::string> map = readWholeFile(command_.mapFile);
+    const int error = map ? writeWholeFile(command_.mapFile, script_.withOriginals(*map)) : 0;
+    if (error != 0)
+      steps_.fail("cannot write " + command_.mapFile + ": " + errorWords(error), ADAPTER_FAILED);
+  }
+
+  void convert() {
+    if (linked() == command_.output) return;
+    Words words{tools_.objcopy};
+    if (command_.zeroBss) {
+      for (const std::string section : {".bss", ".sbss"}) {
+        append(words, {"--set-section-flags", section + "=alloc,load,contents"});
+      }
+    }
+    if (command_.format == LinkFormat::Binary) append(words, {"-O", "binary"});
+    if (command_.format == LinkFormat::SRecords) append(words, {"-O", "srec", "--srec-forceS3"});
+    if (isImage()) {
+      // They are for loaders, and lie where they make the image huge.
+      for (const std::string section : {".MIPS.abiflags", ".reginfo", ".note*"})
+        append(words, {"-R", section});
+    }
+    append(words, {linked(), command_.output});
+    steps_.run(words);
+  }
+
+  const LinkCommand& command_;
+  const LinkerTools& tools_;
+  const Diagnostics& diagnostics_;
+  ToolSteps steps_;
+  TemporaryDirectory temporary_;
+  Words searched_;
+  LinkScript script_;
+};
+
+}  // namespace
+
+int link(const LinkCommand& command, const LinkerTools& tools, HostSpelling& spelling,
+         const Diagnostics& diagnostics) {
+  return Link(command, tools, spelling, diagnostics).run();
+}
+
+std::string layoutWithoutGlobalPointer(std::string_view verbose) {
+  constexpr std::string_view RULE = "\n==========";  // the layout stands between two lines of these
+  const std::size_t start = verbose.find(RULE);
+  if (start == verbose.npos) return {};
+  const std::size_t begin = verbose.find('\n', start + 1);
+  const std::size_t end = verbose.find(RULE, begin);
+  if (begin == verbose.npos || end == verbose.npos) return {};
+  std::string layout(verbose.substr(begin + 1, end - begin));
+  const std::size_t pointer = layout.find("HIDDEN (_gp = ");
+  if (pointer != layout.npos) layout.erase(pointer, layout.find(';', pointer) + 1 - pointer);
+  return layout;
+}
+
+}  // namespace forgeyard
