@@ -72,6 +72,16 @@ struct IFolder : IDispatch {
   virtual HRESULT put_Enabled(std::int32_t value) = 0;
 };
 
+// Inside the module only: a folder's files without a copy. Both are valid until the folder or a file changes.
+struct IFolderFiles : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7032-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  virtual const std::vector<Ref<ISourceFile>>& sourceFiles() const = 0;
+  // What OutputFilesEnum walks: the same list object until a name, the files or the enabled state change.
+  virtual std::shared_ptr<const std::vector<BString>> outputFiles() = 0;
+};
+
 struct IFolderSettings : IDispatch {
   using Base = IDispatch;
   static constexpr Guid iid = guid("5B2D7018-93C4-4E6F-A8D1-2F60C1B49E01");

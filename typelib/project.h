@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "platform/com/enumerators.h"
 #include "platform/com/type_info.h"
 #include "typelib/collections.h"
@@ -86,6 +89,34 @@ struct IProjectE : IUnknown {
 
   virtual HRESULT OnNewConfiguration(IConfiguration* created, IConfiguration* basedOn) = 0;
   virtual HRESULT OnDeletedConfiguration(IConfiguration* old) = 0;
+};
+
+// Inside the module only: gives a new project the look-up of host services, ahead of every other call.
+struct ISetServices : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7030-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  virtual HRESULT SetServices(IUnknown* lot) = 0;
+};
+
+// Something of a project file that a load left out.
+struct LoadOmission {
+  std::string what;  // the stream or element, or "the rest of the file"
+  std::string why;
+};
+
+// Inside the module only: what went wrong where an operation of the project succeeds all the same. A load brings
+// up what it can read; a save that fails leaves the file as it was and the project dirty.
+struct IProjectReport : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7031-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  // Of the last load, in the order of the file.
+  virtual const std::vector<LoadOmission>& omissions() const = 0;
+  // Why the last load opened no file; S_OK when it did.
+  virtual HRESULT loadFailure() const = 0;
+  // Why the last save wrote nothing; S_OK when it did write.
+  virtual HRESULT saveFailure() const = 0;
 };
 
 FORGEYARD_DUAL(IProject)

@@ -1,0 +1,91 @@
+#include "model/connection.h"
+
+#include "platform/storage/records.h"
+#include "typelib/classes.h"
+
+namespace forgeyard {
+
+namespace {
+
+Ref<IComponent> componentOf(IComponents& components, std::int32_t id) {
+  Ref<IDispatch> found;
+  check(components.get_Item(Variant(id), &found));
+  const Ref<IComponent> component = found.as<IComponent>();
+  if (!component) throw StatusError(E_FAIL);
+  return component;
+}
+
+HRESULT give(const Ref<IComponent>& end, Ref<IComponent>* out) {
+  *out = end;
+  return end ? S_OK : E_FAIL;
+}
+
+}  // namespace
+
+HRESULT CConnection::get_From(Ref<IComponent>* out) { return give(from_, out); }
+
+HRESULT CConnection::get_To(Ref<IComponent>* out) { return give(to_, out); }
+
+HRESULT CConnection::Init(IComponent* from, IComponent* to) {
+  return guard([&] {
+    if (!from || !to) return E_FAIL;
+    from_ = Ref<IComponent>(from);
+    to_ = Ref<IComponent>(to);
+    if (failed(from->AddSink(to))) return E_FAIL;
+    if (succeeded(to->AddSource(from))) return S_OK;
+    ignore(from->RemoveSink(to));
+    return E_FAIL;
+  });
+}
+
+HRESULT CConnection::Close() {
+  return guard([&] {
+    const Ref<IComponent> from = std::exchange(from_, nullptr);
+    const Ref<IComponent> to = std::exchange(to_, nullptr);
+    if (!from || !to) return;
+    ignore(from->RemoveSink(to.get()));
+    ignore(to->RemoveSource(from.get()));
+  });
+}
+
+HRESULT CConnection::GetClassID(Guid* out) {
+  *out = CLSID_Connection;
+  return S_OK;
+}
+
+HRESULT CConnection::IsDirty() { return changed_ ? S_OK : S_FALSE; }
+
+HRESULT CConnection::Load(IStream* stream) {
+  return guard([&] {
+    const Ref<IProject> project = project_.lock();
+    if (!project) throw StatusError(E_FAIL);
+    RecordReader record(stream);
+    record.u32();  // version
+    const std::int32_t fromId = record.i32();
+    const std::int32_t toId = record.i32();
+    Ref<IComponents> components;
+    check(project->get_Components(&components));
+    from_ = componentOf(*components, fromId);
+    to_ = componentOf(*components, toId);
+    check(from_->AddSink(to_.get()));
+    check(to_->AddSource(from_.get()));
+    changed_ = false;
+  });
+}
+
+HRESULT CConnection::Save(IStream* stream, bool clearDirty) {
+  return guard([&] {
+    if (!from_ || !to_) throw StatusError(E_FAIL);
+    std::int32_t fromId = 0;
+    std::int32_t toId = 0;
+    check(from_->get_Id(&fromId));
+    check(to_->get_Id(&toId));
+    RecordWriter record(stream);
+    record.u32(0);
+    record.i32(fromId);
+    record.i32(toId);
+    if (clearDirty) changed_ = false;
+  });
+}
+
+}  // namespace forgeyard

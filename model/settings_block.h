@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/storage/records.h"
+
+namespace forgeyard {
+
+// What the project file and the workspace both store about a project.
+struct SettingsBlock {
+  BString name;
+  BString fileName;
+  BString ssRoot;
+  std::int32_t nextComponentId = 0;
+  BString ssDatabasePath;
+  std::int32_t ssVersion = 0;
+
+  // Throw StatusError.
+  static SettingsBlock load(RecordReader& record);
+  void save(RecordWriter& record) const;
+};
+
+// The logon to the source control database, as the workspace stores it.
+struct LogonBlock {
+  BString userName;
+  BString password;
+
+  static LogonBlock load(RecordReader& record);
+  void save(RecordWriter& record) const;
+};
+
+}  // namespace forgeyard

@@ -1,0 +1,90 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "model/name_pool.h"
+#include "platform/com/connection_point.h"
+#include "platform/com/weak_ref.h"
+#include "platform/storage/persist.h"
+#include "platform/storage/records.h"
+#include "typelib/folder.h"
+#include "typelib/project.h"
+
+namespace forgeyard {
+
+// What the records of one folder's source files are read with; made once for all of them.
+class SourceFileReader {
+ public:
+  SourceFileReader(IStream* stream, IProject* project);
+
+  RecordReader record;
+  WeakRef<IProject> project;
+
+  // A text of the record that equals many others.
+  BString name() { return pool_->intern(record.listedString(buffer_)); }
+  void skipText() { record.listedString(buffer_); }
+  std::vector<BString> names();
+  // The full path that a persisted name beginning with a dot means in the working directory.
+  BString resolve(const BString& persistAs);
+
+ private:
+  std::shared_ptr<NamePool> pool_;
+  std::u16string buffer_;
+  std::u16string directory_;  // the working directory with a backslash behind it
+};
+
+// One file of a folder, with its dependency lists. Owned by the folder; keeps its project weakly. A project may
+// have tens of thousands, so an object is small: equal names share one buffer, and its connection point is made
+// when the first client asks for it. Main thread only.
+class CSourceFile final : public ComObject<Dual<ISourceFile>, IConnectionPointContainer, IPersistStream,
+                                           ISourceFileDependencies> {
+ public:
+  // ISourceFile
+  HRESULT get_Name(BString* value) override;
+  HRESULT put_Name(const BString& value) override;
+  HRESULT get_PersistAs(BString* value) override;
+  HRESULT put_PersistAs(const BString& value) override;
+  HRESULT get_Project(Ref<IProject>* out) override;
+  HRESULT put_Project(IProject* value) override;
+  HRESULT AddManualDep(const BString& name) override;
+  HRESULT RemoveManualDep(const BString& name) override;
+  HRESULT get_ManualDeps(Ref<ISimpleCollection>* out) override;
+  HRESULT get_AutomaticDeps(Ref<ISimpleCollection>* out) override;
+  HRESULT put_AutomaticDeps(IUnknown* names) override;
+  HRESULT get_SourceControl(std::int32_t* value) override;
+  HRESULT put_SourceControl(std::int32_t value) override;
+  HRESULT get_LastUpdated(double* value) override;
+  HRESULT get_LastUpdatedDeps(double* value) override;
+
+  // IConnectionPointContainer
+  HRESULT FindConnectionPoint(const Guid& iid, Ref<IConnectionPoint>* out) override;
+
+  // IPersistStream
+  HRESULT GetClassID(Guid* out) override;
+  HRESULT IsDirty() override;
+  HRESULT Load(IStream* stream) override;
+  HRESULT Save(IStream* stream, bool clearDirty) override;
+
+  // ISourceFileDependencies
+  const std::vector<BString>& manualDependencies() const override { return manualDeps_; }
+  const std::vector<BString>& automaticDependencies() const override { return automaticDeps_; }
+
+  // Reads one record; throws StatusError, with the file then half read.
+  void load(SourceFileReader& reader);
+
+ private:
+  void notify(std::int32_t id) const;
+  BString workingDirectory() const;
+
+  WeakRef<IProject> project_;
+  BString persistAs_;
+  BString name_;
+  std::vector<BString> automaticDeps_;
+  std::vector<BString> manualDeps_;
+  std::int32_t sourceControl_ = 0;
+  bool changed_ = true;  // differs from the file
+  Ref<ConnectionPoint<IPropertyNotifySink>> sinks_;
+};
+
+}  // namespace forgeyard
