@@ -1,11 +1,14 @@
 #include "adapters/linker/link.h"
 
-#include <utility>
+#include <errno.h>
+
+#include <optional>
 
 #include "adapters/common/temporary.h"
 #include "adapters/common/tool_steps.h"
 #include "adapters/common/whole_file.h"
 #include "adapters/linker/link_script.h"
+#include "adapters/linker/s_records.h"
 
 namespace forgeyard {
 namespace {
@@ -125,10 +128,7 @@ class Link {
   // So that the map says the same for the same input.
   void nameOriginalsInMap() {
     if (command_.mapFile.empty()) return;
-    const std::optional<std::string> map = readWholeFile(command_.mapFile);
-    const int error = map ? writeWholeFile(command_.mapFile, script_.withOriginals(*map)) : 0;
-    if (error != 0)
-      steps_.fail("cannot write " + command_.mapFile + ": " + errorWords(error), ADAPTER_FAILED);
+    rewrite(command_.mapFile, [&](const std::string& map) { return script_.withOriginals(map); });
   }
 
   void convert() {
@@ -147,7 +147,19 @@ class Link {
         append(words, {"-R", section});
     }
     append(words, {linked(), command_.output});
-    steps_.run(words);
+    if (steps_.run(words) && command_.format == LinkFormat::SRecords) nameOutputInHeader();
+  }
+
+  void nameOutputInHeader() {
+    const std::string name = command_.output.substr(command_.output.rfind('/') + 1);
+    rewrite(command_.output, [&](const std::string& records) { return withHeaderName(records, name); });
+  }
+
+  template <class Change>
+  void rewrite(const std::string& file, Change&& change) {
+    const std::optional<std::string> content = readWholeFile(file);
+    const int error = content ? writeWholeFile(file, change(*content)) : errno;
+    if (error != 0) steps_.fail("cannot rewrite " + file + ": " + errorWords(error), ADAPTER_FAILED);
   }
 
   const LinkCommand& command_;

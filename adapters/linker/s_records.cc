@@ -1,0 +1,49 @@
+#include "adapters/linker/s_records.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace forgeyard {
+namespace {
+
+constexpr std::size_t LONGEST_NAME = 40;
+
+class Record {
+ public:
+  explicit Record(std::string_view type) : text_(type) {}
+
+  void add(std::size_t byte) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
+    sum_ = static_cast<std::uint8_t>(sum_ + byte);
+    text_ += DIGITS[byte >> 4 & 15];
+    text_ += DIGITS[byte & 15];
+  }
+  std::string finish() {
+    add(static_cast<std::uint8_t>(~sum_));
+    return text_;
+  }
+
+ private:
+  std::string text_;
+  std::uint8_t sum_ = 0;
+};
+
+std::string header(std::string_view name) {
+  name = name.substr(0, LONGEST_NAME);
+  constexpr std::size_t ADDRESS_AND_SUM = 3;
+  Record record("S0");
+  record.add(name.size() + ADDRESS_AND_SUM);
+  record.add(0);
+  record.add(0);
+  for (const char c : name) record.add(static_cast<unsigned char>(c));
+  return record.finish();
+}
+
+}  // namespace
+
+std::string withHeaderName(std::string_view records, std::string_view name) {
+  if (!records.starts_with("S0")) return std::string(records);
+  return header(name).append(records.substr(std::min(records.find_first_of("\r\n"), records.size())));
+}
+
+}  // namespace forgeyard
