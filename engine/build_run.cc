@@ -112,12 +112,22 @@ void CBuildTool::CheckBuildRunDone() {
   if (completed_ + errors_ + stopped_ != expected) return;
   if (!chained_) {
     building_ = false;
+    lastResult_ = runResult();
     if (completed_ == expected && (task_ == E_TASK_BUILD || task_ == E_TASK_REBUILD)) clearBuildDirty();
     point<DBuildToolE>()->fire([](DBuildToolE& sink) { ignore(sink.OnBuildEnd()); });
     point<IBuildToolE>()->fire([](IBuildToolE& sink) { ignore(sink.OnBuildEnd()); });
     saveToken_ = nullptr;
   }
   EndBuildRun();
+}
+
+e_btr CBuildTool::runResult() const {
+  return stopped_ ? E_BTR_STOPPED : errors_ ? E_BTR_ERROR : E_BTR_COMPLETED;
+}
+
+HRESULT CBuildTool::get_LastResult(e_btr* result) {
+  *result = lastResult_.value_or(E_BTR_COMPLETED);
+  return lastResult_ ? S_OK : S_FALSE;
 }
 
 void CBuildTool::clearBuildDirty() {
@@ -130,8 +140,11 @@ void CBuildTool::clearBuildDirty() {
 
 void CBuildTool::EndBuildRun() {
   if (active_) say(projectLine());
-  const std::u16string_view result = stopped_ ? u"STOPPED" : errors_ ? u"ERRORS" : u"OK";
-  say(BString::concat(u"Final result: ", result));
+  const e_btr result = runResult();
+  const std::u16string_view text = result == E_BTR_STOPPED ? u"STOPPED"
+                                   : result == E_BTR_ERROR ? u"ERRORS"
+                                                           : u"OK";
+  say(BString::concat(u"Final result: ", text));
   say(SEPARATOR_LINE);
 }
 

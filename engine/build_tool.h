@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,9 +19,10 @@ namespace forgeyard {
 // The one object that lives for the whole run of the host: it owns the projects of the workspace and the
 // build run, one at a time, and is the last sink of the builder protocol. What a build command reaches first.
 // Main thread only; the answers of worker threads arrive there too.
-class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
-                                          ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>,
-                                          ILoadedObject, IUseCommands, IPersistStorage, WeakSource> {
+class CBuildTool final
+    : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
+                       ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>, ILoadedObject,
+                       IUseCommands, IPersistStorage, IBuildRunResult, WeakSource> {
  public:
   CBuildTool();
 
@@ -59,6 +61,9 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   HRESULT SaveCompleted(IStorage* storage) override;
   HRESULT HandsOffStorage() override;
 
+  // IBuildRunResult
+  HRESULT get_LastResult(e_btr* result) override;
+
   // The list behind IProjects.
   const std::vector<Ref<IProject>>& projects() const { return projects_; }
   void addProject(IProject* project);
@@ -76,6 +81,7 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   void CheckBuildRunDone();
   void EndBuildRun();
   void clearBuildDirty();
+  e_btr runResult() const;
   BString projectLine();
   void build(e_task task);
   void compileSelection();
@@ -106,7 +112,8 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   std::int32_t stopped_ = 0;
   e_task task_ = E_TASK_BUILD;
   bool building_ = false;
-  bool chained_ = false;  // would hold the build run open; nothing sets it
+  std::optional<e_btr> lastResult_;  // of the last run that ended
+  bool chained_ = false;             // would hold the build run open; nothing sets it
   Ref<IUnknown> saveToken_;
   std::unique_ptr<NamedEvent> stopEvent_;  // held between build runs, so that the name lives
   Ref<IStorage> storage_;

@@ -62,6 +62,16 @@ struct DBuildToolE : IUnknown {
   virtual HRESULT OnBuildEnd() = 0;
 };
 
+// How the last build run ended, for hosts that have to tell: read it once OnBuildEnd has come.
+struct IBuildRunResult : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7033-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  // E_BTR_COMPLETED, E_BTR_ERROR or E_BTR_STOPPED, as "Final result" says; S_FALSE and E_BTR_COMPLETED before
+  // the end of the first run.
+  virtual HRESULT get_LastResult(e_btr* result) = 0;
+};
+
 FORGEYARD_DUAL(IProjects)
 FORGEYARD_DUAL(IBuildTool)
 

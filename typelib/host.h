@@ -12,6 +12,10 @@ namespace forgeyard {
 // The host contract: what the module asks of the shell that loads it, and what the module's objects offer to
 // it. Every service may be missing; callers test each reference and go without.
 
+// Name of the manual-reset event that all hosts of a user share: it ends waiting and running tools. A host
+// holds it from its first build run on.
+inline constexpr const char* STOP_EVENT = "StopEvent";
+
 // The gateway to every service. Objects get it from the site that the host gives them.
 struct IServiceLookup : IUnknown {
   using Base = IUnknown;
