@@ -12,25 +12,17 @@
 
 namespace forgeyard {
 
-namespace {
-
-template <class T, class Primary>
-Ref<IUnknown> create() {
-  return Ref<IUnknown>(static_cast<Primary*>(make<T>().get()));
+std::span<const ClassEntry> modelClasses() {
+  static constexpr std::array classes{
+      ClassEntry{CLSID_Project, "Project", createObject<CProject>},
+      ClassEntry{CLSID_Folder, "Folder", createObject<CFolder>},
+      ClassEntry{CLSID_SourceFile, "SourceFile", createObject<CSourceFile>},
+      ClassEntry{CLSID_Configuration, "Configuration", createObject<CConfiguration>},
+      ClassEntry{CLSID_FolderSettings, "FolderSettings", createObject<CFolderSettings>},
+      ClassEntry{CLSID_Connection, "Connection", createObject<CConnection>},
+      ClassEntry{CLSID_SimpleCollection, "SimpleCollection", createObject<CSimpleCollection>},
+  };
+  return classes;
 }
-
-constexpr std::array kClasses{
-    ModelClass{CLSID_Project, &create<CProject, IProject>},
-    ModelClass{CLSID_Folder, &create<CFolder, IFolder>},
-    ModelClass{CLSID_SourceFile, &create<CSourceFile, ISourceFile>},
-    ModelClass{CLSID_Configuration, &create<CConfiguration, IConfiguration>},
-    ModelClass{CLSID_FolderSettings, &create<CFolderSettings, IFolderSettings>},
-    ModelClass{CLSID_Connection, &create<CConnection, IConnection>},
-    ModelClass{CLSID_SimpleCollection, &create<CSimpleCollection, ISimpleCollection>},
-};
-
-}  // namespace
-
-std::span<const ModelClass> modelClasses() { return kClasses; }
 
 }  // namespace forgeyard

@@ -2,18 +2,11 @@
 
 #include <span>
 
-#include "platform/com/guid.h"
-#include "platform/com/ref.h"
+#include "platform/com/class_entry.h"
 
 namespace forgeyard {
 
-// One class that clients create by its identifier.
-struct ModelClass {
-  Guid clsid;
-  Ref<IUnknown> (*create)();
-};
-
-// The classes of the model, for the module's table of classes.
-std::span<const ModelClass> modelClasses();
+// The classes of the project model, for the module's object map.
+std::span<const ClassEntry> modelClasses();
 
 }  // namespace forgeyard

@@ -7,8 +7,8 @@
 
 namespace forgeyard {
 
-// The sub-storages of a project's components in the open compound file, with the names of their elements, in the
-// order in which they came. All operations throw StatusError. Main thread only.
+// The sub-storages of a project's components in the open compound file, with the names of their elements, in
+// the order in which they came. All operations throw StatusError. Main thread only.
 class ComponentStorages {
  public:
   struct Entry {

@@ -47,7 +47,9 @@ HRESULT CConfiguration::get_Name(BString* value) {
   return S_OK;
 }
 
-HRESULT CConfiguration::put_Name(const BString& value) { return putAndNotify(record_.name, value, kName); }
+HRESULT CConfiguration::put_Name(const BString& value) {
+  return putAndNotify(record_.name, value, kName);
+}
 
 HRESULT CConfiguration::get_OutputDirectory(BString* value) {
   *value = record_.outputDirectory;
@@ -154,7 +156,9 @@ HRESULT CConfiguration::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CConfiguration::IsDirty() { return inFile_ && record_ == stored_ ? S_FALSE : S_OK; }
+HRESULT CConfiguration::IsDirty() {
+  return inFile_ && record_ == stored_ ? S_FALSE : S_OK;
+}
 
 HRESULT CConfiguration::Load(IStream* stream) {
   return guard([&] {

@@ -22,9 +22,13 @@ HRESULT give(const Ref<IComponent>& end, Ref<IComponent>* out) {
 
 }  // namespace
 
-HRESULT CConnection::get_From(Ref<IComponent>* out) { return give(from_, out); }
+HRESULT CConnection::get_From(Ref<IComponent>* out) {
+  return give(from_, out);
+}
 
-HRESULT CConnection::get_To(Ref<IComponent>* out) { return give(to_, out); }
+HRESULT CConnection::get_To(Ref<IComponent>* out) {
+  return give(to_, out);
+}
 
 HRESULT CConnection::Init(IComponent* from, IComponent* to) {
   return guard([&] {
@@ -53,7 +57,9 @@ HRESULT CConnection::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CConnection::IsDirty() { return changed_ ? S_OK : S_FALSE; }
+HRESULT CConnection::IsDirty() {
+  return changed_ ? S_OK : S_FALSE;
+}
 
 HRESULT CConnection::Load(IStream* stream) {
   return guard([&] {

@@ -8,8 +8,8 @@
 
 namespace forgeyard {
 
-// The output of one component feeds another. Owned by the project's connections; holds both ends until Close and
-// keeps the project weakly. Main thread only.
+// The output of one component feeds another. Owned by the project's connections; holds both ends until Close
+// and keeps the project weakly. Main thread only.
 class CConnection final : public ComObject<Dual<IConnection>, IPersistStream> {
  public:
   CConnection() = default;

@@ -60,6 +60,42 @@ bool CConnections::feedsAnother(IComponent* component) const {
                      [&](const auto& connection) { return sameObject(connection->from(), component); });
 }
 
+namespace {
+
+// Walks upstream in depth, each component once.
+class CircleSearch {
+ public:
+  explicit CircleSearch(const std::vector<Ref<CConnection>>& connections) : connections_(connections) {}
+
+  bool upstreamOf(IComponent* component) {
+    if (contains(path_, component)) return true;
+    if (contains(clear_, component)) return false;
+    path_.push_back(component);
+    for (const Ref<CConnection>& connection : connections_) {
+      if (sameObject(connection->to(), component) && upstreamOf(connection->from())) return true;
+    }
+    path_.pop_back();
+    clear_.push_back(component);
+    return false;
+  }
+
+ private:
+  static bool contains(const std::vector<IComponent*>& list, IComponent* component) {
+    return std::any_of(list.begin(), list.end(),
+                       [&](IComponent* entry) { return sameObject(entry, component); });
+  }
+
+  const std::vector<Ref<CConnection>>& connections_;
+  std::vector<IComponent*> path_;
+  std::vector<IComponent*> clear_;
+};
+
+}  // namespace
+
+bool CConnections::fedByCircle(IComponent* component) const {
+  return CircleSearch(list_).upstreamOf(component);
+}
+
 HRESULT CConnections::get_Item(IComponent* lhs, Ref<IConnection>* out) {
   return guard([&] {
     *out = nullptr;
@@ -80,8 +116,8 @@ HRESULT CConnections::get__NewEnum(Ref<IUnknown>* out) {
   return guard([&] { *out = enumerateObjects(list_); });
 }
 
-// Every component reached a second time from the new connection's end refuses it, not only a way back to its start:
-// the test errs on the safe side.
+// Every component reached a second time from the new connection's end refuses it, not only a way back to its
+// start: the test errs on the safe side.
 bool CConnections::reachedTwice(IComponent* from, IComponent* to) const {
   ComponentSet seen;
   ComponentSet pending;
@@ -153,7 +189,9 @@ HRESULT CConnections::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CConnections::IsDirty() { return changed_ ? S_OK : S_FALSE; }
+HRESULT CConnections::IsDirty() {
+  return changed_ ? S_OK : S_FALSE;
+}
 
 HRESULT CConnections::Load(IStream* stream) {
   return guard([&] {

@@ -8,8 +8,8 @@ namespace forgeyard {
 
 class CProject;
 
-// The connections of a project, in order of creation. Lives as long as its project and knows it until detach().
-// Main thread only.
+// The connections of a project, in order of creation. Lives as long as its project and knows it until
+// detach(). Main thread only.
 class CConnections final : public ComObject<Dual<IConnections>, IPersistStream> {
  public:
   explicit CConnections(CProject& project) : project_(&project) {}
@@ -32,6 +32,9 @@ class CConnections final : public ComObject<Dual<IConnections>, IPersistStream> 
   void detach() { project_ = nullptr; }
   // Whether the component is the source end of a connection.
   bool feedsAnother(IComponent* component) const;
+  // Whether a circle of connections lies upstream of the component: only a file from elsewhere can bring one
+  // in.
+  bool fedByCircle(IComponent* component) const;
   // Deletes every connection with the component at either end.
   void deleteAllOf(IUnknown* component);
 

@@ -10,7 +10,9 @@ namespace forgeyard {
 
 namespace {
 
-constexpr bool isSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDFFF; }
+constexpr bool isSurrogate(char16_t unit) {
+  return unit >= 0xD800 && unit <= 0xDFFF;
+}
 
 // Names are compared in their narrow form, and this is how it comes back.
 BString compared(const BString& name) {
@@ -49,7 +51,9 @@ bool matches(const BString& wanted, ISourceFile* file) {
 }
 
 // A file of this module tells when its name changes.
-bool tellsChanges(ISourceFile* file) { return static_cast<bool>(query<ISourceFileDependencies>(file)); }
+bool tellsChanges(ISourceFile* file) {
+  return static_cast<bool>(query<ISourceFileDependencies>(file));
+}
 
 Ref<ISourceFile> walkFolder(const BString& wanted, IFolder& folder) {
   Ref<ISourceFiles> files;

@@ -10,10 +10,10 @@
 namespace forgeyard {
 
 // Finds the source file of a project by its full name with one look-up. The answer is that of a walk over the
-// components and their files in order that tries each file's name as a pattern of the wanted name, without regard
-// to case, and takes the first match: names that are more than plain text (a wildcard, a list, a blank in front)
-// are tried one by one, and so are files and folders whose changes nobody tells. The index is made anew when a name
-// or a folder has changed. Borrows the files; main thread only.
+// components and their files in order that tries each file's name as a pattern of the wanted name, without
+// regard to case, and takes the first match: names that are more than plain text (a wildcard, a list, a blank
+// in front) are tried one by one, and so are files and folders whose changes nobody tells. The index is made
+// anew when a name or a folder has changed. Borrows the files; main thread only.
 class FileIndex {
  public:
   // Null when no file matches.

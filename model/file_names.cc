@@ -13,8 +13,12 @@ BString persistedName(std::u16string_view path, const BString& workingDirectory)
   return BString::concat(u".", path.substr(workingDirectory.size()));
 }
 
-void fileNamesChanged() { ++generation; }
+void fileNamesChanged() {
+  ++generation;
+}
 
-std::uint64_t fileNamesGeneration() { return generation; }
+std::uint64_t fileNamesGeneration() {
+  return generation;
+}
 
 }  // namespace forgeyard

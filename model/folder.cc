@@ -17,7 +17,9 @@ constexpr const char16_t* kFilesStream = u"SourceFiles";
 
 enum Notification : std::int32_t { kSourceFiles = 1, kName = 2, kExtension = 3 };
 
-IUnknown* identity(ISourceFile* file) { return query<IUnknown>(file).get(); }
+IUnknown* identity(ISourceFile* file) {
+  return query<IUnknown>(file).get();
+}
 
 const std::shared_ptr<const std::vector<BString>>& noFiles() {
   static const auto none = std::make_shared<const std::vector<BString>>();
@@ -95,8 +97,9 @@ bool CFolder::add(ISourceFile* file) {
 }
 
 bool CFolder::remove(ISourceFile* file) {
-  const auto found = std::find_if(files_.begin(), files_.end(),
-                                  [&](const Ref<ISourceFile>& other) { return sameObject(other.get(), file); });
+  const auto found = std::find_if(files_.begin(), files_.end(), [&](const Ref<ISourceFile>& other) {
+    return sameObject(other.get(), file);
+  });
   if (found == files_.end()) return false;
   known_.erase(identity(file));
   files_.erase(found);
@@ -120,7 +123,9 @@ void CFolder::filesChanged() {
 
 // The build
 
-void CFolder::StartTask() { check(BuildResult(E_BTR_COMPLETED, 0)); }
+void CFolder::StartTask() {
+  check(BuildResult(E_BTR_COMPLETED, 0));
+}
 
 bool CFolder::enabledNow() {
   std::int32_t enabled = 0;

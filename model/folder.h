@@ -10,10 +10,11 @@
 
 namespace forgeyard {
 
-// The component that holds source files: it has no inputs, does no work in a build and gives the full names of its
-// files to what it is connected to, unless it is disabled in the active configuration. Main thread only.
-class CFolder final : public ComObject<Dual<IFolder>, CComponentBase, ConnectionPoints<IPropertyNotifySink>,
-                                       IFolderFiles> {
+// The component that holds source files: it has no inputs, does no work in a build and gives the full names
+// of its files to what it is connected to, unless it is disabled in the active configuration. Main thread
+// only.
+class CFolder final
+    : public ComObject<Dual<IFolder>, CComponentBase, ConnectionPoints<IPropertyNotifySink>, IFolderFiles> {
  public:
   // IFolder
   HRESULT get_SourceFiles(Ref<ISourceFiles>* out) override;

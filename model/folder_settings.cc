@@ -30,7 +30,9 @@ HRESULT CFolderSettings::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CFolderSettings::IsDirty() { return inFile_ && enabled_ == stored_ ? S_FALSE : S_OK; }
+HRESULT CFolderSettings::IsDirty() {
+  return inFile_ && enabled_ == stored_ ? S_FALSE : S_OK;
+}
 
 HRESULT CFolderSettings::Load(IStream* stream) {
   return guard([&] {

@@ -9,8 +9,9 @@
 
 namespace forgeyard {
 
-// One text buffer for each different file name: a project mentions a few thousand names in hundreds of thousands of
-// dependency entries. The pool only adds to the buffers' counts, so names outlive it. Main thread only.
+// One text buffer for each different file name: a project mentions a few thousand names in hundreds of
+// thousands of dependency entries. The pool only adds to the buffers' counts, so names outlive it. Main
+// thread only.
 class NamePool {
  public:
   // The pool that all open projects share; it lives as long as somebody holds it.

@@ -18,7 +18,8 @@ constexpr std::uint32_t kLastConfigurationCommand = 155;
 
 }  // namespace
 
-// Keeps UpdateComponentOutputs from running for each of many changes in a row; who holds it runs it at the end.
+// Keeps UpdateComponentOutputs from running for each of many changes in a row; who holds it runs it at the
+// end.
 class CProject::UpdateHold {
  public:
   explicit UpdateHold(CProject& project) : project_(project) { ++project_.updatesHeld_; }
@@ -36,9 +37,9 @@ CProject::~CProject() {
   if (connections_) connections_->detach();
 }
 
-HRESULT CProject::SetServices(IUnknown* lot) {
+HRESULT CProject::SetServices(IServiceLookup* services) {
   return guard([&] {
-    services_ = query<IServiceLookup>(lot);
+    services_ = Ref<IServiceLookup>(services);
     commandHost_ = lookUp<ICommandHost>(services_.get(), SID_CommandHost);
   });
 }
@@ -160,9 +161,13 @@ HRESULT CProject::put_BuildDirty(std::int32_t value) {
 }
 
 // The settings transaction runs on each configuration and component, not here.
-HRESULT CProject::BeforeSettings() { return S_OK; }
+HRESULT CProject::BeforeSettings() {
+  return S_OK;
+}
 
-HRESULT CProject::AfterSettings(std::int32_t) { return S_OK; }
+HRESULT CProject::AfterSettings(std::int32_t) {
+  return S_OK;
+}
 
 // Contents
 
@@ -212,8 +217,8 @@ HRESULT CProject::SourceFilesChanged() {
 HRESULT CProject::DeleteComponent(IUnknown* component) {
   return guard([&] {
     const ModalScope scope(services_.get());
-    if (scope.show(u"Are you sure you want to delete this component?", u"Delete Component", MessageButtons::YesNo,
-                   MessageIcon::Exclamation) != MessageAnswer::Yes) {
+    if (scope.show(u"Are you sure you want to delete this component?", u"Delete Component",
+                   MessageButtons::YesNo, MessageIcon::Exclamation) != MessageAnswer::Yes) {
       return S_OK;
     }
     auto& list = contents_.components;
@@ -266,12 +271,18 @@ void CProject::computeExternalDependencies() {
 
 // The builder chain
 
-Ref<IBuilderTask> CProject::builderTask() const { return lookUp<IBuilderTask>(services_.get(), SID_BuildTool); }
+Ref<IBuilderTask> CProject::builderTask() const {
+  return lookUp<IBuilderTask>(services_.get(), SID_BuildTool);
+}
 
 void CProject::collectTerminalComponents() {
   clearSources();
   for (const Ref<IComponent>& component : contents_.components) {
-    if (connections_ && connections_->feedsAnother(component.get())) continue;
+    // What a circle feeds could never start, and nothing could end: it stays out like the circle itself.
+    if (connections_ &&
+        (connections_->feedsAnother(component.get()) || connections_->fedByCircle(component.get()))) {
+      continue;
+    }
     if (const Ref<IBuilderInput> input = component.as<IBuilderInput>()) addSource(input.get());
   }
 }
@@ -284,7 +295,9 @@ HRESULT CProject::PreBuild(IBuilderOutput* connection) {
   });
 }
 
-void CProject::StartTask() { check(BuildResult(E_BTR_COMPLETED, 1)); }
+void CProject::StartTask() {
+  check(BuildResult(E_BTR_COMPLETED, 1));
+}
 
 void CProject::OnTaskEnded() {
   const Ref<IBuilderTask> tool = builderTask();

@@ -17,14 +17,16 @@
 
 namespace forgeyard {
 
-// The root of the project model and the head of the build chain. Owns its configurations, components, connections
-// and the open compound file; components and configurations point back at it weakly. The build tool makes it, gives
-// it the host's services and ends it with OnClose(), which breaks all cycles. Main thread only.
+// The root of the project model and the head of the build chain. Owns its configurations, components,
+// connections and the open compound file; components and configurations point back at it weakly. The build
+// tool makes it, gives it the host's services and ends it with OnClose(), which breaks all cycles. Main
+// thread only.
 //
-// `Dirty` says that the contents differ from the file, `BuildDirty` that a build is due; the latter isn't stored.
-class CProject final : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>,
-                                        IPersistStream, CBuilderInputOutput, OutputTab, WeakSource, ISetServices,
-                                        IProjectReport> {
+// `Dirty` says that the contents differ from the file, `BuildDirty` that a build is due; the latter isn't
+// stored.
+class CProject final
+    : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>, IPersistStream,
+                       CBuilderInputOutput, OutputTab, WeakSource, IComponentSite, IProjectReport> {
  public:
   CProject();
 
@@ -79,7 +81,8 @@ class CProject final : public ComObject<Dual<IProject>, ConnectionPoints<IProper
   // IBuilderInput: collects the components that feed nothing and starts the build.
   HRESULT PreBuild(IBuilderOutput* connection) override;
 
-  HRESULT SetServices(IUnknown* lot) override;
+  // IComponentSite, ahead of every other call.
+  HRESULT SetServices(IServiceLookup* services) override;
 
   // IProjectReport
   const std::vector<LoadOmission>& omissions() const override { return omissions_; }

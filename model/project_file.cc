@@ -44,7 +44,9 @@ HRESULT CProject::get_Loaded(std::int32_t* value) {
   return S_OK;
 }
 
-HRESULT CProject::put_Loaded(std::int32_t) { return contents_.root ? ProjectClose() : ProjectLoad(); }
+HRESULT CProject::put_Loaded(std::int32_t) {
+  return contents_.root ? ProjectClose() : ProjectLoad();
+}
 
 void CProject::readSettings(IStorage& root) {
   ProjectReader reader(*this, root, omissions_);

@@ -7,8 +7,8 @@
 
 namespace forgeyard {
 
-// Reads an open project file into a project. Best effort: the first failure in the contents ends the reading, what
-// was read stays, and the omissions say what was left out and why. Lives for one load.
+// Reads an open project file into a project. Best effort: the first failure in the contents ends the reading,
+// what was read stays, and the omissions say what was left out and why. Lives for one load.
 class ProjectReader {
  public:
   ProjectReader(CProject& project, IStorage& root, std::vector<LoadOmission>& omissions)

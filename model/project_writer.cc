@@ -4,7 +4,8 @@
 
 namespace forgeyard {
 
-// Unlike in a component's storage, a stream of the root is replaced where it can be, so nothing old stays behind.
+// Unlike in a component's storage, a stream of the root is replaced where it can be, so nothing old stays
+// behind.
 Ref<IStream> ProjectWriter::stream(const char16_t* name) {
   constexpr std::uint32_t kOpen = STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
   Ref<IStream> stream;

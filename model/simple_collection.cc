@@ -18,8 +18,12 @@ HRESULT CSimpleCollection::Next(std::uint32_t count, BString* out, std::uint32_t
   return walk_->Next(count, out, fetched);
 }
 
-HRESULT CSimpleCollection::Skip(std::uint32_t count) { return walk_->Skip(count); }
+HRESULT CSimpleCollection::Skip(std::uint32_t count) {
+  return walk_->Skip(count);
+}
 
-HRESULT CSimpleCollection::Reset() { return walk_->Reset(); }
+HRESULT CSimpleCollection::Reset() {
+  return walk_->Reset();
+}
 
 }  // namespace forgeyard

@@ -8,8 +8,8 @@
 
 namespace forgeyard {
 
-// A list of texts to walk, by the automation enumerator or as the IEnumString that it is itself. Owns its list,
-// which never changes; main thread only.
+// A list of texts to walk, by the automation enumerator or as the IEnumString that it is itself. Owns its
+// list, which never changes; main thread only.
 class CSimpleCollection final : public ComObject<Dual<ISimpleCollection>, IEnumString> {
  public:
   CSimpleCollection() : CSimpleCollection(std::vector<BString>()) {}

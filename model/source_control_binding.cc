@@ -8,8 +8,12 @@ SourceControlFactory current = nullptr;
 
 }  // namespace
 
-void setSourceControlFactory(SourceControlFactory factory) { current = factory; }
+void setSourceControlFactory(SourceControlFactory factory) {
+  current = factory;
+}
 
-SourceControlFactory sourceControlFactory() { return current; }
+SourceControlFactory sourceControlFactory() {
+  return current;
+}
 
 }  // namespace forgeyard

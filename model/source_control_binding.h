@@ -8,9 +8,9 @@ namespace forgeyard {
 
 class CProject;
 
-// What a project asks of its source control: made by a factory that the source control layer puts in place, one for
-// each project, when it is first needed. Without a factory a project is uncontrolled. Operations throw StatusError
-// unless they return a status. Main thread only.
+// What a project asks of its source control: made by a factory that the source control layer puts in place,
+// one for each project, when it is first needed. Without a factory a project is uncontrolled. Operations
+// throw StatusError unless they return a status. Main thread only.
 class ISourceControlBinding {
  public:
   virtual ~ISourceControlBinding() = default;
@@ -20,8 +20,9 @@ class ISourceControlBinding {
   virtual HRESULT Add() = 0;
   virtual HRESULT Remove() = 0;
 
-  // The load of a controlled project: the storage to use, opened read-write. The settings were read from the plain
-  // file; this reads them again from the storage it opens. A failure loads the project as an uncontrolled one.
+  // The load of a controlled project: the storage to use, opened read-write. The settings were read from the
+  // plain file; this reads them again from the storage it opens. A failure loads the project as an
+  // uncontrolled one.
   virtual Ref<IStorage> OpenForLoad() = 0;
   // Behind the commit of a save: the local file goes over the plain one. Its failure doesn't matter.
   virtual void CopyLocalFile() = 0;

@@ -24,7 +24,8 @@ void saveList(RecordWriter& record, const std::vector<BString>& list) {
 BString keptForm(const BString& name, const BString& workingDirectory) {
   std::u16string path(name.view());
   std::replace(path.begin(), path.end(), u'/', u'\\');
-  if (auto canonical = PathCanonicalizeA(std::u16string_view(path), NO_PATH_LIMIT)) path = std::move(*canonical);
+  if (auto canonical = PathCanonicalizeA(std::u16string_view(path), NO_PATH_LIMIT))
+    path = std::move(*canonical);
   return persistedName(path, workingDirectory);
 }
 
@@ -153,9 +154,13 @@ HRESULT CSourceFile::put_SourceControl(std::int32_t value) {
 }
 
 // File times aren't kept here: they are read from the disk when a build needs them.
-HRESULT CSourceFile::get_LastUpdated(double*) { return S_OK; }
+HRESULT CSourceFile::get_LastUpdated(double*) {
+  return S_OK;
+}
 
-HRESULT CSourceFile::get_LastUpdatedDeps(double*) { return S_OK; }
+HRESULT CSourceFile::get_LastUpdatedDeps(double*) {
+  return S_OK;
+}
 
 // Events
 
@@ -180,7 +185,9 @@ HRESULT CSourceFile::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CSourceFile::IsDirty() { return changed_ ? S_OK : S_FALSE; }
+HRESULT CSourceFile::IsDirty() {
+  return changed_ ? S_OK : S_FALSE;
+}
 
 HRESULT CSourceFile::Load(IStream* stream) {
   return guard([&] {

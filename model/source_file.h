@@ -34,9 +34,9 @@ class SourceFileReader {
   std::u16string directory_;  // the working directory with a backslash behind it
 };
 
-// One file of a folder, with its dependency lists. Owned by the folder; keeps its project weakly. A project may
-// have tens of thousands, so an object is small: equal names share one buffer, and its connection point is made
-// when the first client asks for it. Main thread only.
+// One file of a folder, with its dependency lists. Owned by the folder; keeps its project weakly. A project
+// may have tens of thousands, so an object is small: equal names share one buffer, and its connection point
+// is made when the first client asks for it. Main thread only.
 class CSourceFile final : public ComObject<Dual<ISourceFile>, IConnectionPointContainer, IPersistStream,
                                            ISourceFileDependencies> {
  public:

@@ -65,9 +65,8 @@ HRESULT CSourceFiles::AddMulti(IEnumUnknown* files) {
 HRESULT CSourceFiles::RemoveMulti(IEnumUnknown* files) {
   return guard([&] {
     std::unordered_set<IUnknown*> identities;
-    forEach(Ref<IEnumUnknown>(files), [&](const Ref<IUnknown>& object) {
-      identities.insert(object.as<IUnknown>().get());
-    });
+    forEach(Ref<IEnumUnknown>(files),
+            [&](const Ref<IUnknown>& object) { identities.insert(object.as<IUnknown>().get()); });
     folder_->remove(identities);
     folder_->filesChanged();
   });

@@ -16,7 +16,9 @@ HRESULT CProject::GetClassID(Guid* out) {
   return S_OK;
 }
 
-HRESULT CProject::IsDirty() { return dirty_ ? S_OK : S_FALSE; }
+HRESULT CProject::IsDirty() {
+  return dirty_ ? S_OK : S_FALSE;
+}
 
 // The project's own file is written first; if that fails the workspace still keeps the project.
 HRESULT CProject::Save(IStream* stream, bool) {

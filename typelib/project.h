@@ -91,14 +91,6 @@ struct IProjectE : IUnknown {
   virtual HRESULT OnDeletedConfiguration(IConfiguration* old) = 0;
 };
 
-// Inside the module only: gives a new project the look-up of host services, ahead of every other call.
-struct ISetServices : IUnknown {
-  using Base = IUnknown;
-  static constexpr Guid iid = guid("5B2D7030-93C4-4E6F-A8D1-2F60C1B49E01");
-
-  virtual HRESULT SetServices(IUnknown* lot) = 0;
-};
-
 // Something of a project file that a load left out.
 struct LoadOmission {
   std::string what;  // the stream or element, or "the rest of the file"
