@@ -1,9 +1,6 @@
 #include "spawner/tool_command.h"
 
-#include <sys/stat.h>
-
-#include <string_view>
-
+#include "adapters/common/file_names.h"
 #include "platform/registry/registry_keys.h"
 #include "spawner/report.h"
 #include "spawner/tool_search.h"
@@ -11,22 +8,10 @@
 namespace forgeyard {
 namespace {
 
-std::string_view fileName(std::string_view path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
-bool sameFile(const std::string& a, const std::string& b) {
-  struct stat left {};
-  struct stat right {};
-  return ::stat(a.c_str(), &left) == 0 && ::stat(b.c_str(), &right) == 0 && left.st_dev == right.st_dev &&
-         left.st_ino == right.st_ino;
-}
-
 FoundTool withDirectory(const std::string& program, const std::string& own, HostSpelling& spelling) {
   FoundTool tool;
   tool.file = spelling.path(program);
-  const std::size_t slash = tool.file.rfind('/');
-  tool.besideSpawner = slash != tool.file.npos && sameFile(tool.file.substr(0, slash + 1), own);
+  tool.besideSpawner = sameFile(directoryOf(tool.file), own);
   return tool;
 }
 
@@ -59,7 +44,7 @@ FoundTool findCommandTool(const std::string& program, HostSpelling& spelling,
 }
 
 bool wantsNativePaths(const std::string& file, UserRegistry& registry) {
-  return registry.get().value(registry_keys::NATIVE_PATHS, fileName(file)).has_value();
+  return registry.get().value(registry_keys::NATIVE_PATHS, baseName(file)).has_value();
 }
 
 }  // namespace forgeyard

@@ -1,7 +1,5 @@
 #include "spawner/tool_run.h"
 
-#include <sys/sysmacros.h>
-
 #include "spawner/descendants.h"
 #include "spawner/kernel.h"
 #include "spawner/report.h"
@@ -10,7 +8,8 @@
 namespace forgeyard {
 namespace {
 
-constexpr long GRACE_MS = 1000;         // between SIGTERM and SIGKILL
+constexpr dev_t NULL_DEVICE = 1 << 8 | 3;  // major and minor number of /dev/null
+constexpr long GRACE_MS = 1000;            // between SIGTERM and SIGKILL
 constexpr long CLEAR_MS = 1000;         // for what is killed to be gone; only the kernel can keep it longer
 constexpr int PARENT_SIGNAL = SIGUSR1;  // sent by the kernel when the parent, or a thread of it, ends
 
@@ -22,7 +21,7 @@ constexpr kernel::SignalMask BLOCKED = WATCHED | kernel::signalMask(SIGPIPE);
 void openStandardDescriptors() noexcept {
   struct stat input;
   const bool isNull =
-      kernel::stat(STDIN_FILENO, &input) == 0 && S_ISCHR(input.st_mode) && input.st_rdev == ::makedev(1, 3);
+      kernel::stat(STDIN_FILENO, &input) == 0 && S_ISCHR(input.st_mode) && input.st_rdev == NULL_DEVICE;
   if (!isNull) {
     kernel::close(STDIN_FILENO);
     kernel::open("/dev/null", O_RDONLY);

@@ -1,15 +1,11 @@
 #include "adapters/common/blank_healing.h"
 
-#include "adapters/common/host_spelling.h"
+#include "adapters/common/file_names.h"
 
 namespace forgeyard {
 namespace {
 
 constexpr std::size_t MOST_WORDS = 32;
-
-bool isAbsolute(std::string_view text) noexcept {
-  return text.starts_with('\\') || text.starts_with('/') || beginsWithDrive(text);
-}
 
 // All ways to join, shortest first.
 std::vector<std::string> joinings(std::string_view first, const std::vector<std::string>& words,

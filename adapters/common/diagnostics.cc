@@ -1,32 +1,21 @@
 #include "adapters/common/diagnostics.h"
 
-#include <errno.h>
 #include <string.h>
 #include <unistd.h>
 
 #include <cstdio>
 
+#include "adapters/common/whole_file.h"
+
 namespace forgeyard {
-namespace {
-
-// One write for the whole line, or lines of two processes mix.
-void writeAll(int fd, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = ::write(fd, text.data(), text.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
-}
-
-}  // namespace
 
 void Diagnostics::error(std::string_view text) const {
   line(program_ + ": " + std::string(text));
 }
 
 void Diagnostics::line(std::string_view text) {
-  writeAll(STDERR_FILENO, std::string(text) + "\n");
+  // One write for the whole line, or lines of two processes mix.
+  static_cast<void>(writeAll(STDERR_FILENO, std::string(text) + "\n"));
 }
 
 int answerHelp(const Diagnostics& diagnostics, int count, char** arguments, std::string_view help) {

@@ -7,18 +7,9 @@ namespace {
 
 constexpr std::string_view SEPARATORS = "=,;@";
 
-bool isLetter(char c) noexcept {
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 bool isOptionCharacter(char c) noexcept {
-  return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '_' || c == '+';
-}
-
-// The kind of file that the path names, S_IFREG say; 0 if there is none.
-mode_t kindOf(const std::string& hostPath) noexcept {
-  struct stat status {};
-  return ::stat(hostPath.c_str(), &status) == 0 ? status.st_mode & S_IFMT : 0;
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
+         c == '+';
 }
 
 bool beginsPath(std::string_view text) noexcept {
@@ -56,10 +47,6 @@ std::string_view firstComponent(std::string_view path) noexcept {
 
 }  // namespace
 
-bool beginsWithDrive(std::string_view text) noexcept {
-  return text.size() > 2 && isLetter(text[0]) && text[1] == ':' && (text[2] == '\\' || text[2] == '/');
-}
-
 void HostSpelling::readDrivesFor(std::string_view text) {
   if (drivesRead_ || !beginsWithDrive(text)) return;
   drivesRead_ = true;
@@ -81,8 +68,7 @@ std::string HostSpelling::outputPath(std::string_view text) {
   readDrivesFor(text);
   const std::optional<std::string> direct = lookup_.paths().toHost(text);
   if (!direct) return std::string(text);
-  const std::size_t slash = direct->rfind('/');
-  if (slash == direct->npos || kindOf(direct->substr(0, slash + 1)) == S_IFDIR) return *direct;
+  if (kindOf(directoryOf(*direct)) == S_IFDIR) return *direct;
   return lookup_.resolve(text).value_or(*direct);
 }
 

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "adapters/common/file_names.h"
 #include "adapters/common/user_registry.h"
 #include "platform/paths/host_lookup.h"
 
@@ -41,9 +42,6 @@ class HostSpelling {
   HostLookup lookup_;
   bool drivesRead_ = false;
 };
-
-// Whether text begins with a drive and a separator: `C:\`, `C:/`.
-bool beginsWithDrive(std::string_view text) noexcept;
 
 // Replaces the paths in an argument: the whole of it, or what stands behind the letters of an option
 // (`-o\home\u\a.obj`) or behind one of `= , ; @` (`-Wl,-Map=\home\u\a.map`), if it begins with a backslash or

@@ -8,16 +8,6 @@
 namespace forgeyard {
 namespace {
 
-int writeAll(int fd, std::string_view content) {
-  while (!content.empty()) {
-    const ssize_t written = ::write(fd, content.data(), content.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return errno;
-    content.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return 0;
-}
-
 int writeNew(const std::string& file, std::string_view content, int flags) {
   const int fd = ::open(file.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC | flags, 0666);
   if (fd < 0) return errno;
@@ -28,6 +18,16 @@ int writeNew(const std::string& file, std::string_view content, int flags) {
 }
 
 }  // namespace
+
+int writeAll(int fd, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = ::write(fd, content.data(), content.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return errno;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return 0;
+}
 
 std::optional<std::string> readWholeFile(const std::string& file) {
   const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);

@@ -8,13 +8,16 @@ namespace forgeyard {
 
 // Errors are told as errno values; 0 is success.
 
+// All of the text, however many writes it takes.
+[[nodiscard]] int writeAll(int fd, std::string_view text);
+
 // Nothing, with errno set, if the file can't be read whole.
 std::optional<std::string> readWholeFile(const std::string& file);
 
 // Makes or empties the file and writes the content; removes it again if that fails.
-int writeWholeFile(const std::string& file, std::string_view content);
+[[nodiscard]] int writeWholeFile(const std::string& file, std::string_view content);
 
 // Puts a file with the content in the place of `file` in one step.
-int replaceFile(const std::string& file, std::string_view content);
+[[nodiscard]] int replaceFile(const std::string& file, std::string_view content);
 
 }  // namespace forgeyard

@@ -6,16 +6,13 @@
 #include <optional>
 
 #include "adapters/common/child.h"
+#include "adapters/common/file_names.h"
 #include "adapters/common/temporary.h"
 #include "adapters/common/whole_file.h"
 #include "adapters/compiler/dependency_file.h"
 
 namespace forgeyard {
 namespace {
-
-std::string baseName(std::string_view path) {
-  return std::string(path.substr(path.find_last_of("/\\") + 1));
-}
 
 // Where the component looks for it: the whole path of the source up to its last dot, then ".d". Nothing for a
 // path without a dot, with which it doesn't look.
@@ -27,7 +24,10 @@ std::optional<std::string> dependencyFileOf(const std::string& source, HostSpell
 
 DependencyPlace placeOf(const CompilerCommand& command, HostSpelling& spelling) {
   const std::string& source = command.sources.front();
-  DependencyPlace place{spelledWorkingDirectory(), baseName(command.output), baseName(source), {}, {}};
+  DependencyPlace place;
+  place.directory = spelledWorkingDirectory();
+  place.target = baseName(command.output);
+  place.source = baseName(source);
   if (place.target.empty()) place.target = place.source.substr(0, place.source.rfind('.')) + ".o";
   const auto directory = beginsWithDrive(source) ? spelling.paths().drive(source[0]) : std::nullopt;
   if (directory) {

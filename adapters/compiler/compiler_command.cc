@@ -85,12 +85,8 @@ const OptionForm* findOption(std::string_view word) {
 
 // The file's name without directory and extension.
 std::string_view stem(std::string_view path) {
-  path.remove_prefix(path.find_last_of("/\\") + 1);
-  return path.substr(0, path.rfind('.'));
-}
-
-std::string_view directoryOf(std::string_view path) {
-  return path.substr(0, path.find_last_of("/\\") + 1);
+  const std::string_view name = baseName(path);
+  return name.substr(0, name.rfind('.'));
 }
 
 class CommandReader {
@@ -174,9 +170,9 @@ class CommandReader {
   // A name that continues behind a blank is told from a further input file by its directory, which must be
   // there, or by having the name of the source.
   std::string output(std::string_view text) {
-    const std::string_view first = directoryOf(text);
+    const std::string_view first = directoryPart(text);
     const Healed path = healOutput(text, words_, at_, [&](const std::string& joined) {
-      const std::string_view directory = directoryOf(joined);
+      const std::string_view directory = directoryPart(joined);
       if (directory != first) return spelling_.isDirectory(std::string(directory));
       return !command_.sources.empty() && stem(joined) == stem(command_.sources.back());
     });

@@ -1,11 +1,12 @@
 #include "adapters/compiler/dependency_file.h"
 
 #include <stdlib.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cstddef>
+
+#include "adapters/common/file_names.h"
 
 namespace forgeyard {
 namespace {
@@ -27,10 +28,6 @@ std::string withoutBlanks(std::string_view text) {
   return result;
 }
 
-std::string_view baseName(std::string_view path) {
-  return path.substr(path.rfind('/') + 1);
-}
-
 // One word with as much of the text as fits, for a reader; it names nothing.
 std::string harmless(std::string_view text, std::size_t longest) {
   std::string word;
@@ -46,13 +43,6 @@ std::string harmless(std::string_view text, std::size_t longest) {
 std::string neverExisting(std::string_view why, std::string_view name) {
   std::string word = std::string(NEVER) + std::string(why) + "/";
   return word + harmless(baseName(name), LONGEST_NAME - word.size());
-}
-
-bool sameFile(const std::string& a, const std::string& b) {
-  struct stat left {};
-  struct stat right {};
-  return ::stat(a.c_str(), &left) == 0 && ::stat(b.c_str(), &right) == 0 && left.st_dev == right.st_dev &&
-         left.st_ino == right.st_ino;
 }
 
 std::string collapsed(std::string_view path) {

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "adapters/common/file_names.h"
 #include "adapters/common/temporary.h"
 #include "adapters/common/tool_steps.h"
 #include "adapters/common/whole_file.h"
@@ -17,11 +18,6 @@ using Words = std::vector<std::string>;
 
 void append(Words& words, const Words& more) {
   words.insert(words.end(), more.begin(), more.end());
-}
-
-std::string directoryOf(const std::string& file) {
-  const std::size_t slash = file.rfind('/');
-  return slash == file.npos ? "." : file.substr(0, slash == 0 ? 1 : slash);
 }
 
 class Link {
@@ -151,7 +147,7 @@ class Link {
   }
 
   void nameOutputInHeader() {
-    const std::string name = command_.output.substr(command_.output.rfind('/') + 1);
+    const std::string_view name = baseName(command_.output);
     rewrite(command_.output, [&](const std::string& records) { return withHeaderName(records, name); });
   }
 

@@ -1,12 +1,12 @@
 #include "adapters/linker/link_script.h"
 
 #include <errno.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
 
 #include "adapters/common/diagnostics.h"
+#include "adapters/common/file_names.h"
 #include "adapters/common/whole_file.h"
 
 namespace forgeyard {
@@ -79,22 +79,6 @@ std::string withSlashes(std::string_view text) {
   std::string result(text);
   std::replace(result.begin(), result.end(), '\\', '/');
   return result;
-}
-
-bool isAbsolute(std::string_view path) {
-  return path.starts_with('/') || path.starts_with('\\') || beginsWithDrive(path);
-}
-
-bool exists(const std::string& path) {
-  struct stat status {};
-  return ::stat(path.c_str(), &status) == 0;
-}
-
-bool sameFile(const std::string& a, const std::string& b) {
-  struct stat left {};
-  struct stat right {};
-  return ::stat(a.c_str(), &left) == 0 && ::stat(b.c_str(), &right) == 0 && left.st_dev == right.st_dev &&
-         left.st_ino == right.st_ino;
 }
 
 std::string at(const ScriptPlace& place) {
@@ -264,9 +248,9 @@ std::string LinkScript::inputName(const std::string& name) {
   if (name.starts_with('-') || name.starts_with('=') || name.starts_with('$')) return name;
   if (isAbsolute(name)) return spelling_.path(name);
   const std::string relative = withSlashes(name);
-  if (exists(relative)) return relative;
+  if (kindOf(relative) != 0) return relative;
   for (const std::string& directory : searched_) {
-    if (exists(directory + "/" + relative)) return relative;
+    if (kindOf(directory + "/" + relative) != 0) return relative;
   }
   if (const auto found = spelling_.existing(relative)) return *found;
   for (const std::string& directory : searched_) {

@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "adapters/common/child.h"
+#include "adapters/common/file_names.h"
 #include "adapters/common/tool_family.h"
 #include "adapters/common/whole_file.h"
 
@@ -21,10 +22,9 @@ std::string_view ownName(std::string_view ld) {
 }
 
 // The driver leads there by way of its own directory; people read these names in messages.
-std::string directoryOf(const std::string& file) {
-  const std::string directory = file.substr(0, file.rfind('/'));
-  char* const real = ::realpath(directory.c_str(), nullptr);
-  std::string result = real ? real : directory;
+std::string realDirectoryOf(const std::string& file) {
+  char* const real = ::realpath(directoryOf(file).c_str(), nullptr);
+  std::string result = real ? real : directoryOf(file);
   ::free(real);
   return result;
 }
@@ -57,7 +57,7 @@ std::vector<std::string> runtimeDirectories(const LinkerTools& tools, const std:
     std::string file = asked.succeeded() ? readWholeFile(temporaryFile).value_or("") : "";
     if (file.ends_with('\n')) file.pop_back();
     if (file.find('/') == file.npos) continue;  // not found: the name comes back as it is
-    const std::string directory = directoryOf(file);
+    const std::string directory = realDirectoryOf(file);
     if (std::find(directories.begin(), directories.end(), directory) == directories.end()) {
       directories.push_back(directory);
     }

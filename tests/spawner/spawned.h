@@ -1,0 +1,109 @@
+#pragma once
+
+#include <signal.h>
+
+#include <array>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "platform/threads/event.h"
+#include "platform/threads/pipe.h"
+#include "platform/threads/process.h"
+#include "tests/platform_os/scratch.h"
+
+namespace forgeyard {
+
+inline const std::string SPAWNER = FORGEYARD_BIN_DIR "/TideSpawn.exe";
+
+// The spawner at work as a host starts it: the command in one argument, both outputs in one pipe.
+class Spawned {
+ public:
+  explicit Spawned(const std::string& command, const std::string& spawner = SPAWNER)
+      : Spawned(std::vector<std::string>{spawner, command}) {}
+  explicit Spawned(const std::vector<std::string>& arguments) {
+    ProcessOptions options;
+    options.program = arguments.front();
+    options.arguments = arguments;
+    options.standardOutput = pipe_.writeEnd.get();
+    options.standardError = pipe_.writeEnd.get();
+    ProcessStartError error;
+    process_ = Process::start(options, error);
+    if (!process_) throw std::runtime_error(error.message);
+    pipe_.writeEnd.reset();
+  }
+  ~Spawned() {
+    if (process_->kill(SIGKILL)) wait();
+  }
+  Spawned(const Spawned&) = delete;
+  Spawned& operator=(const Spawned&) = delete;
+
+  Process& process() { return *process_; }
+
+  // The next line of output; empty at the end.
+  std::string line() {
+    std::string text;
+    char byte = 0;
+    while (readOrCancel(pipe_.readEnd, never_, {&byte, 1}).end == ReadEnd::Data && byte != '\n') text += byte;
+    return text;
+  }
+  // All output up to the point where nobody holds the pipe any more.
+  std::string output() {
+    std::string text;
+    std::array<char, 512> bytes;
+    for (;;) {
+      const ReadResult read = readOrCancel(pipe_.readEnd, never_, bytes);
+      if (read.end != ReadEnd::Data) return text;
+      text.append(bytes.data(), read.bytes);
+    }
+  }
+  int wait() {
+    waitAny({process_.get()});
+    return process_->exitCode().value();
+  }
+
+ private:
+  Pipe pipe_;
+  Event never_;
+  std::unique_ptr<Process> process_;
+};
+
+struct Result {
+  int exitCode = -1;
+  std::string output;
+  friend bool operator==(const Result&, const Result&) = default;
+};
+inline void PrintTo(const Result& result, std::ostream* out) {
+  *out << "exit " << result.exitCode << ", output \"" << result.output << '"';
+}
+
+inline Result spawn(const std::string& command, const std::string& spawner = SPAWNER) {
+  Spawned run(command, spawner);
+  Result result;
+  result.output = run.output();
+  result.exitCode = run.wait();
+  return result;
+}
+
+// The tool of the tests is on the PATH; events and registry are the test's own.
+class SpawnerTest : public RuntimeTest {
+ protected:
+  void setRegistry(const std::string& text) { writeFile(scratch_ / "registry", text); }
+
+  ScopedVariable registry_{"FORGEYARD_REGISTRY", scratch_ / "registry"};
+  ScopedVariable path_{"PATH", SPAWNER_TOOLS ":/usr/bin:/bin"};
+};
+
+// The same for both ways through the spawner: a plain command is started before the C library is up, one with
+// quotes by the ordinary program.
+class BothWaysTest : public SpawnerTest, public testing::WithParamInterface<const char*> {
+ protected:
+  // The command, with its program's name as the way needs it.
+  static std::string tool(const std::string& arguments, const std::string& program = "tool") {
+    const std::string quote = GetParam() == std::string("quoted") ? "\"" : "";
+    return quote + program + quote + " " + arguments;
+  }
+};
+
+}  // namespace forgeyard
