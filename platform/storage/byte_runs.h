@@ -10,8 +10,8 @@
 
 namespace forgeyard::compound {
 
-// Where the bytes of a stream lie in its file: pieces in the stream's order. A value; a stream that lies in one
-// piece takes one run.
+// Where the bytes of a stream lie in its file: pieces in the stream's order. A value; a stream that lies in
+// one piece takes one run.
 class ByteRuns {
  public:
   // Joins the last run if it continues there.
@@ -57,8 +57,8 @@ class ByteRuns {
   std::uint64_t size_ = 0;
 };
 
-// Fills `out` with the bytes at an offset of the runs, within their size. Throws StatusError, also for a file that
-// has become shorter than its runs: somebody has cut it behind the lock's back.
+// Fills `out` with the bytes at an offset of the runs, within their size. Throws StatusError, also for a file
+// that has become shorter than its runs: somebody has cut it behind the lock's back.
 void readRuns(const HostFile& file, const ByteRuns& runs, std::uint64_t offset, std::span<std::uint8_t> out);
 
 }  // namespace forgeyard::compound

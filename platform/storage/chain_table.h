@@ -8,8 +8,8 @@
 
 namespace forgeyard::compound {
 
-// A table of successors, as the FAT and the mini FAT are, with who has claimed which sector: a sector belongs to one
-// chain at most. That ends loops, and bounds what all chains of a file together can hold.
+// A table of successors, as the FAT and the mini FAT are, with who has claimed which sector: a sector belongs
+// to one chain at most. That ends loops, and bounds what all chains of a file together can hold.
 class ChainTable {
  public:
   ChainTable() = default;

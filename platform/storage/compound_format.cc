@@ -69,12 +69,12 @@ Header decodeHeader(const HeaderBytes& bytes) {
   Header header;
   header.majorVersion = loadLittle<std::uint16_t>(at + header_at::kMajor);
   header.sectorShift = loadLittle<std::uint16_t>(at + header_at::kShift);
-  const bool known =
-      std::equal(kSignature.begin(), kSignature.end(), at) &&
-      loadLittle<std::uint16_t>(at + header_at::kOrder) == kByteOrder &&
-      loadLittle<std::uint16_t>(at + header_at::kMiniShift) == kMiniSectorShift &&
-      loadLittle<std::uint32_t>(at + header_at::kCutoff) == kMiniCutoff &&
-      ((header.majorVersion == 3 && header.sectorShift == 9) || (header.majorVersion == 4 && header.sectorShift == 12));
+  const bool known = std::equal(kSignature.begin(), kSignature.end(), at) &&
+                     loadLittle<std::uint16_t>(at + header_at::kOrder) == kByteOrder &&
+                     loadLittle<std::uint16_t>(at + header_at::kMiniShift) == kMiniSectorShift &&
+                     loadLittle<std::uint32_t>(at + header_at::kCutoff) == kMiniCutoff &&
+                     ((header.majorVersion == 3 && header.sectorShift == 9) ||
+                      (header.majorVersion == 4 && header.sectorShift == 12));
   if (!known) throw StatusError(STG_E_INVALIDHEADER);
   header.directorySectors = loadLittle<std::uint32_t>(at + header_at::kDirectorySectors);
   header.fatSectors = loadLittle<std::uint32_t>(at + header_at::kFatSectors);
@@ -106,7 +106,8 @@ HeaderBytes encodeHeader(const Header& header) {
   storeLittle(at + header_at::kMiniFatSectors, header.miniFatSectors);
   storeLittle(at + header_at::kFirstDifat, header.firstDifatSector);
   storeLittle(at + header_at::kDifatSectors, header.difatSectors);
-  for (std::size_t i = 0; i < header.fat.size(); ++i) storeLittle(at + header_at::kFat + 4 * i, header.fat[i]);
+  for (std::size_t i = 0; i < header.fat.size(); ++i)
+    storeLittle(at + header_at::kFat + 4 * i, header.fat[i]);
   return bytes;
 }
 

@@ -10,9 +10,9 @@
 
 namespace forgeyard::compound {
 
-// The numbers and the two fixed records of the compound file format. A file is a header and then sectors of one
-// size; tables of successors (the FAT, and the mini FAT for short streams) chain them to streams; a directory of
-// 128-byte entries names the streams and storages.
+// The numbers and the two fixed records of the compound file format. A file is a header and then sectors of
+// one size; tables of successors (the FAT, and the mini FAT for short streams) chain them to streams; a
+// directory of 128-byte entries names the streams and storages.
 
 inline constexpr std::size_t kHeaderSize = 512;
 inline constexpr std::size_t kHeaderFatSectors = 109;  // FAT sectors that the header itself lists

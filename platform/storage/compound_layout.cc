@@ -42,7 +42,8 @@ void CompoundLayout::collectEntries(const StorageTree& root) {
       entry.links = links[i];
       if (child.stream) bytes += child.stream->size();
     }
-    if (bytes > kMaxFileSize || entries_.size() > kMaxFileSize / kEntrySize) throw StatusError(STG_E_MEDIUMFULL);
+    if (bytes > kMaxFileSize || entries_.size() > kMaxFileSize / kEntrySize)
+      throw StatusError(STG_E_MEDIUMFULL);
   }
 }
 
@@ -71,7 +72,8 @@ void CompoundLayout::placeTables() {
   // The FAT has entries for its own sectors and its list's, so both grow until they fit.
   for (;;) {
     const std::uint32_t fat = unitsFor(std::uint64_t{others} + fat_.count + difat_.count, kEntriesPerSector);
-    const std::uint32_t difat = fat > kHeaderFatSectors ? unitsFor(fat - kHeaderFatSectors, kEntriesPerSector - 1) : 0;
+    const std::uint32_t difat =
+        fat > kHeaderFatSectors ? unitsFor(fat - kHeaderFatSectors, kEntriesPerSector - 1) : 0;
     if (fat == fat_.count && difat == difat_.count) break;
     fat_.count = fat;
     difat_.count = difat;

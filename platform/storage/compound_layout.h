@@ -10,9 +10,10 @@
 
 namespace forgeyard::compound {
 
-// Where everything of a storage tree goes in a file of version 3: tables first, then each stream in one piece, in
-// the order of the directory. The same tree always gives the same layout. It borrows the tree, which must not
-// change as long as the layout is used. Throws STG_E_MEDIUMFULL for what the version can't hold.
+// Where everything of a storage tree goes in a file of version 3: tables first, then each stream in one
+// piece, in the order of the directory. The same tree always gives the same layout. It borrows the tree,
+// which must not change as long as the layout is used. Throws STG_E_MEDIUMFULL for what the version can't
+// hold.
 class CompoundLayout {
  public:
   static constexpr std::uint32_t kSectorSize = 512;
@@ -52,7 +53,9 @@ class CompoundLayout {
 
   // Where a stream's bytes begin in the file.
   std::uint64_t offsetOf(const Entry& stream) const noexcept;
-  static std::uint64_t offsetOf(std::uint32_t sector) noexcept { return (std::uint64_t{sector} + 1) * kSectorSize; }
+  static std::uint64_t offsetOf(std::uint32_t sector) noexcept {
+    return (std::uint64_t{sector} + 1) * kSectorSize;
+  }
 
  private:
   void collectEntries(const StorageTree& root);

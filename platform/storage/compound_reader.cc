@@ -17,10 +17,12 @@
 namespace forgeyard::compound {
 namespace {
 
-std::string quoted(std::u16string_view name) { return '"' + narrowFromWide(name) + '"'; }
+std::string quoted(std::u16string_view name) {
+  return '"' + narrowFromWide(name) + '"';
+}
 
-// The two kinds of stream as places in the file: chains of sectors, and chains of mini sectors within the mini
-// stream, which is a chain of sectors itself.
+// The two kinds of stream as places in the file: chains of sectors, and chains of mini sectors within the
+// mini stream, which is a chain of sectors itself.
 class StreamPlaces {
  public:
   StreamPlaces(const SectorFile& file, DamageList& damage) : file_(file), fat_(readFat(file, damage)) {}
@@ -56,11 +58,11 @@ class StreamPlaces {
  private:
   ByteRuns miniSectors(std::uint32_t first, std::uint64_t size) {
     ByteRuns runs;
-    miniFat_.follow(first, (size + kMiniSectorSize - 1) / kMiniSectorSize,
-                    [&](std::uint32_t start, std::uint32_t count) {
-                      mini_.forEach(std::uint64_t{start} * kMiniSectorSize, std::uint64_t{count} * kMiniSectorSize,
-                                    [&](std::uint64_t at, std::uint64_t length) { runs.append(at, length); });
-                    });
+    miniFat_.follow(
+        first, (size + kMiniSectorSize - 1) / kMiniSectorSize, [&](std::uint32_t start, std::uint32_t count) {
+          mini_.forEach(std::uint64_t{start} * kMiniSectorSize, std::uint64_t{count} * kMiniSectorSize,
+                        [&](std::uint64_t at, std::uint64_t length) { runs.append(at, length); });
+        });
     return runs;
   }
 
@@ -157,7 +159,8 @@ class DirectoryReader {
       damage_.add("Element " + quoted(child.name()) + " in " + quoted(parent) + " is of no known type.");
       return false;
     }
-    if (child.nameDamaged) damage_.add("The name of " + quoted(child.name()) + " in " + quoted(parent) + " is damaged.");
+    if (child.nameDamaged)
+      damage_.add("The name of " + quoted(child.name()) + " in " + quoted(parent) + " is damaged.");
     return child.nameLength > 0;
   }
 
@@ -185,7 +188,8 @@ class DirectoryReader {
     element.stream = std::make_shared<StreamContent>(file_.file(), places_.stream(stored.start, size), size);
     if (element.stream->damaged()) {
       damage_.add("Stream " + quoted(child.name) + " in " + quoted(parent.name) + ": " +
-                  std::to_string(element.stream->size()) + " of " + std::to_string(size) + " bytes can be read.");
+                  std::to_string(element.stream->size()) + " of " + std::to_string(size) +
+                  " bytes can be read.");
     }
   }
 
@@ -207,6 +211,8 @@ class DirectoryReader {
 
 }  // namespace
 
-CompoundContents readCompoundFile(const SharedFile& file) { return DirectoryReader(file).read(); }
+CompoundContents readCompoundFile(const SharedFile& file) {
+  return DirectoryReader(file).read();
+}
 
 }  // namespace forgeyard::compound

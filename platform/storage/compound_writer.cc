@@ -54,7 +54,8 @@ class ChunkWriter {
   // The next bytes of the buffer to be filled: at least one, at most `wanted`.
   std::span<std::uint8_t> space(std::uint64_t wanted) {
     if (used_ == buffer_.size()) flush();
-    const std::size_t count = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, buffer_.size() - used_));
+    const std::size_t count =
+        static_cast<std::size_t>(std::min<std::uint64_t>(wanted, buffer_.size() - used_));
     used_ += count;
     return std::span(buffer_).subspan(used_ - count, count);
   }

@@ -5,8 +5,8 @@
 
 namespace forgeyard::compound {
 
-// Writes a whole compound file, front to back in large pieces. Throws StatusError; what is in the file then is of no
-// use.
+// Writes a whole compound file, front to back in large pieces. Throws StatusError; what is in the file then
+// is of no use.
 void writeCompoundFile(const CompoundLayout& layout, HostFile& file);
 
 // After a write: lets every stream of the layout's tree read from the new file from now on.

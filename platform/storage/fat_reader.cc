@@ -45,7 +45,8 @@ class FatSectorList {
       bytes.resize(file_.file()->readAt(file_.offsetOf(sector), bytes));
       const std::size_t entries = bytes.size() / 4;
       for (std::size_t i = 0; i + 1 < entries; ++i) add(loadLittle<std::uint32_t>(&bytes[4 * i]));
-      sector = entries == file_.entriesPerSector() ? loadLittle<std::uint32_t>(&bytes[4 * (entries - 1)]) : kEndOfChain;
+      sector = entries == file_.entriesPerSector() ? loadLittle<std::uint32_t>(&bytes[4 * (entries - 1)])
+                                                   : kEndOfChain;
     }
     if (!complete() && sector != kEndOfChain && sector != kFreeSector) {
       damage_.add("The list of FAT sectors breaks off.");
@@ -60,7 +61,8 @@ class FatSectorList {
 };
 
 // Reads the FAT sectors into the table; one read for each row of neighbours.
-void loadFat(const SectorFile& file, const std::vector<std::uint32_t>& sectors, std::vector<std::uint32_t>& next) {
+void loadFat(const SectorFile& file, const std::vector<std::uint32_t>& sectors,
+             std::vector<std::uint32_t>& next) {
   constexpr std::size_t kMaxRow = 32;
   std::vector<std::uint8_t> bytes;
   for (std::size_t i = 0; i < sectors.size();) {
@@ -83,8 +85,8 @@ void loadFat(const SectorFile& file, const std::vector<std::uint32_t>& sectors, 
 ChainTable readFat(const SectorFile& file, DamageList& damage) {
   const FatSectorList list(file, damage);
   const std::uint64_t covered = std::uint64_t{list.fatSectors().size()} * file.entriesPerSector();
-  std::vector<std::uint32_t> next(static_cast<std::size_t>(std::min<std::uint64_t>(file.sectorCount(), covered)),
-                                  kFreeSector);
+  std::vector<std::uint32_t> next(
+      static_cast<std::size_t>(std::min<std::uint64_t>(file.sectorCount(), covered)), kFreeSector);
   loadFat(file, list.fatSectors(), next);
   ChainTable table(std::move(next));
   for (const std::uint32_t sector : list.difatSectors()) table.claim(sector);

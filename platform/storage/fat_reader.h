@@ -10,8 +10,8 @@
 
 namespace forgeyard::compound {
 
-// Reads the FAT of a compound file, with the sectors that hold it and its list claimed. Entries whose FAT sector is
-// missing read as free, so only the chains through them are broken.
+// Reads the FAT of a compound file, with the sectors that hold it and its list claimed. Entries whose FAT
+// sector is missing read as free, so only the chains through them are broken.
 ChainTable readFat(const SectorFile& file, DamageList& damage);
 
 // Reads up to `count` entries of a table of successors that lies at the given places; fewer if there is less.

@@ -31,7 +31,8 @@ void copyExtendedAttributes(int from, int to) noexcept {
   std::array<char, 4096> names;
   std::array<char, 4096> value;
   const ssize_t length = ::flistxattr(from, names.data(), names.size());
-  for (const char* name = names.data(); length > 0 && name < names.data() + length; name += std::strlen(name) + 1) {
+  for (const char* name = names.data(); length > 0 && name < names.data() + length;
+       name += std::strlen(name) + 1) {
     const ssize_t size = ::fgetxattr(from, name, value.data(), value.size());
     if (size >= 0) static_cast<void>(::fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0));
   }

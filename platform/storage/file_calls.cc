@@ -21,7 +21,9 @@ ssize_t FileCalls::write(int file, const void* bytes, std::size_t count, off_t o
   return ::pwrite(file, bytes, count, offset);
 }
 
-int FileCalls::sync(int file) { return ::fsync(file); }
+int FileCalls::sync(int file) {
+  return ::fsync(file);
+}
 
 int FileCalls::link(int file, int directory, const char* name) {
   // The way through /proc needs no privilege, unlike AT_EMPTY_PATH.
@@ -41,7 +43,9 @@ int FileCalls::renameNew(int directory, const char* from, const char* to) {
   return ::unlinkat(directory, from, 0);
 }
 
-int FileCalls::unlink(int directory, const char* name) { return ::unlinkat(directory, name, 0); }
+int FileCalls::unlink(int directory, const char* name) {
+  return ::unlinkat(directory, name, 0);
+}
 
 FileCalls& FileCalls::system() noexcept {
   static FileCalls calls;

@@ -6,8 +6,8 @@
 
 namespace forgeyard::compound {
 
-// Every system call that can change a project file or fail while one is read or written: the seam at which tests
-// let each of them fail, or let the process die. The results and errno are those of the system call.
+// Every system call that can change a project file or fail while one is read or written: the seam at which
+// tests let each of them fail, or let the process die. The results and errno are those of the system call.
 class FileCalls {
  public:
   virtual ~FileCalls() = default;

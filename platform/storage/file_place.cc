@@ -21,7 +21,8 @@ SharedFile openDirectory(FileCalls& calls, int base, const std::string& path) {
   int descriptor = calls.open(base, path.c_str(), O_RDONLY | O_DIRECTORY, 0);
   // A directory that may be searched but not listed still serves; it only can't be synced.
   if (descriptor < 0 && errno == EACCES) descriptor = calls.open(base, path.c_str(), O_PATH | O_DIRECTORY, 0);
-  if (descriptor < 0) throw StatusError(errno == ENOENT ? STG_E_PATHNOTFOUND : statusOf(errno, Attempt::Open));
+  if (descriptor < 0)
+    throw StatusError(errno == ENOENT ? STG_E_PATHNOTFOUND : statusOf(errno, Attempt::Read));
   return std::make_shared<HostFile>(calls, descriptor);
 }
 
@@ -60,20 +61,22 @@ FilePlace FilePlace::resolve(FileCalls& calls, const std::string& path) {
     if (!target) return {std::move(base), name};
     rest = *std::move(target);
   }
-  throw StatusError(statusOf(ELOOP, Attempt::Open));
+  throw StatusError(statusOf(ELOOP, Attempt::Read));
 }
 
 std::string FilePlace::savingName() const {
   constexpr std::string_view kSuffix = ".saving";
   const std::string plain = "." + name_ + std::string(kSuffix);
   if (plain.size() <= NAME_MAX) return plain;
-  return "." + name_.substr(0, NAME_MAX / 2) + hexadecimal(std::hash<std::string>{}(name_)) + std::string(kSuffix);
+  return "." + name_.substr(0, NAME_MAX / 2) + hexadecimal(std::hash<std::string>{}(name_)) +
+         std::string(kSuffix);
 }
 
 SharedFile FilePlace::open(int flags) const {
   // O_NONBLOCK: a pipe in the file's place must not hold the caller up.
-  const int descriptor = calls().open(directory(), name_.c_str(), flags | O_NONBLOCK | O_NOCTTY, kNewFileMode);
-  if (descriptor < 0) throwErrno(Attempt::Open);
+  const int descriptor =
+      calls().open(directory(), name_.c_str(), flags | O_NONBLOCK | O_NOCTTY, kNewFileMode);
+  if (descriptor < 0) throwErrno(Attempt::Read);
   return std::make_shared<HostFile>(calls(), descriptor);
 }
 
@@ -81,14 +84,14 @@ SharedFile FilePlace::openUnnamed() const {
   const int descriptor = calls().open(directory(), ".", O_TMPFILE | O_RDWR, kNewFileMode);
   if (descriptor >= 0) return std::make_shared<HostFile>(calls(), descriptor);
   if (errno == EOPNOTSUPP || errno == EISDIR || errno == EINVAL || errno == ENOENT) return nullptr;
-  throwErrno(Attempt::Open);
+  throwErrno(Attempt::Write);
 }
 
 std::optional<struct stat> FilePlace::status() const {
   struct stat status {};
   if (::fstatat(directory(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) return status;
   if (errno == ENOENT) return std::nullopt;
-  throwErrno(Attempt::Open);
+  throwErrno(Attempt::Read);
 }
 
 bool FilePlace::holds(const HostFile& file) const {

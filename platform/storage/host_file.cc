@@ -16,13 +16,15 @@ struct stat HostFile::status() const {
   return status;
 }
 
-std::uint64_t HostFile::size() const { return static_cast<std::uint64_t>(status().st_size); }
+std::uint64_t HostFile::size() const {
+  return static_cast<std::uint64_t>(status().st_size);
+}
 
 std::size_t HostFile::readAt(std::uint64_t offset, std::span<std::uint8_t> out) const {
   std::size_t done = 0;
   while (done < out.size()) {
-    const ssize_t got =
-        calls_.read(descriptor_.get(), out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
+    const ssize_t got = calls_.read(descriptor_.get(), out.data() + done, out.size() - done,
+                                    static_cast<off_t>(offset + done));
     if (got == 0) break;
     if (got > 0) {
       done += static_cast<std::size_t>(got);
@@ -35,7 +37,8 @@ std::size_t HostFile::readAt(std::uint64_t offset, std::span<std::uint8_t> out) 
 
 void HostFile::writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) {
   while (!bytes.empty()) {
-    const ssize_t put = calls_.write(descriptor_.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
+    const ssize_t put =
+        calls_.write(descriptor_.get(), bytes.data(), bytes.size(), static_cast<off_t>(offset));
     if (put < 0) {
       if (errno == EINTR) continue;
       throwErrno(Attempt::Write);
@@ -70,12 +73,14 @@ bool HostFile::tryLock() {
       // Network file systems give an exclusive lock to writers only; a reader's lock keeps writers out.
       kind = LOCK_SH;
     } else if (errno != EINTR) {
-      throwErrno(Attempt::Open);
+      throwErrno(Attempt::Read);
     }
   }
   return true;
 }
 
-void HostFile::unlock() noexcept { ::flock(descriptor_.get(), LOCK_UN); }
+void HostFile::unlock() noexcept {
+  ::flock(descriptor_.get(), LOCK_UN);
+}
 
 }  // namespace forgeyard::compound

@@ -12,9 +12,9 @@
 
 namespace forgeyard::compound {
 
-// An open file: reads and writes at offsets, and the lock that keeps other openers out. The lock belongs to the
-// open file, so the system frees it when its holder dies. Failures throw StatusError. Shared by all streams
-// that read from it; any thread may read.
+// An open file: reads and writes at offsets, and the lock that keeps other openers out. The lock belongs to
+// the open file, so the system frees it when its holder dies. Failures throw StatusError. Shared by all
+// streams that read from it; any thread may read.
 class HostFile {
  public:
   HostFile(FileCalls& calls, int owned) noexcept : calls_(calls), descriptor_(owned) {}

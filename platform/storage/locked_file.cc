@@ -24,7 +24,8 @@ void requireUsable(const HostFile& file, bool forWriting) {
 }
 
 bool sameWrites(const struct stat& a, const struct stat& b) noexcept {
-  return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec && a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+  return a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
+         a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
 }
 
 }  // namespace
@@ -42,7 +43,9 @@ LockedFile& LockedFile::operator=(LockedFile&& other) noexcept {
   return *this;
 }
 
-LockedFile::~LockedFile() { unlock(); }
+LockedFile::~LockedFile() {
+  unlock();
+}
 
 // Streams may still read from the file, so letting go of it is not enough.
 void LockedFile::unlock() noexcept {

@@ -19,17 +19,20 @@ bool canBeNamed(const HostFile& file) {
 
 // Frees a name that nobody alive uses. Throws STG_E_SHAREVIOLATION if somebody does.
 void freeName(const FilePlace& place, const std::string& name) {
-  const int descriptor = place.calls().open(place.directory(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0);
+  const int descriptor =
+      place.calls().open(place.directory(), name.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK, 0);
   if (descriptor < 0 && errno == ENOENT) return;
   HostFile leftover(place.calls(), descriptor);
   // What can't be opened, a link for example, is none of ours at work.
   if (descriptor >= 0 && !leftover.tryLock()) throw StatusError(STG_E_SHAREVIOLATION);
-  if (place.calls().unlink(place.directory(), name.c_str()) != 0 && errno != ENOENT) throwErrno(Attempt::Write);
+  if (place.calls().unlink(place.directory(), name.c_str()) != 0 && errno != ENOENT)
+    throwErrno(Attempt::Write);
 }
 
 }  // namespace
 
-NewFile::NewFile(const FilePlace& place) : place_(place), name_(place.savingName()), file_(place.openUnnamed()) {
+NewFile::NewFile(const FilePlace& place)
+    : place_(place), name_(place.savingName()), file_(place.openUnnamed()) {
   if (!file_ || !canBeNamed(*file_)) makeNamed();
   if (!file_->tryLock()) throw StatusError(STG_E_SHAREVIOLATION);
 }

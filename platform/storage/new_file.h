@@ -5,9 +5,9 @@
 
 namespace forgeyard::compound {
 
-// New contents for a place, written beside it and then put there in one step. Until then, and after a failure, the
-// place is untouched; whatever was made goes with this object. It is locked from the start, so the file never stands
-// unlocked in its place. Failures throw StatusError.
+// New contents for a place, written beside it and then put there in one step. Until then, and after a
+// failure, the place is untouched; whatever was made goes with this object. It is locked from the start, so
+// the file never stands unlocked in its place. Failures throw StatusError.
 class NewFile {
  public:
   explicit NewFile(const FilePlace& place);

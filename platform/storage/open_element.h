@@ -32,13 +32,13 @@ struct OpenMode {
   bool create = false;
 };
 
-// Throws STG_E_INVALIDPARAMETER for a mode that contradicts itself and STG_E_INVALIDFUNCTION for one that can't be
-// served.
+// Throws STG_E_INVALIDPARAMETER for a mode that contradicts itself and STG_E_INVALIDFUNCTION for one that
+// can't be served.
 OpenMode parseMode(std::uint32_t mode);
 
-// An open stream or sub-storage as its parent knows it, or the root. A parent that goes, or whose version goes, cuts
-// its elements off; they answer every operation with STG_E_REVERTED from then on. All members want the session's mutex
-// held.
+// An open stream or sub-storage as its parent knows it, or the root. A parent that goes, or whose version
+// goes, cuts its elements off; they answer every operation with STG_E_REVERTED from then on. All members want
+// the session's mutex held.
 class OpenElement {
  public:
   OpenElement(const OpenElement&) = delete;

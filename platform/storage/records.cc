@@ -1,7 +1,6 @@
 #include "platform/storage/records.h"
 
 #include <bit>
-#include <cstring>
 
 namespace forgeyard {
 
@@ -59,7 +58,7 @@ BString RecordReader::cookieString() {
   const std::uint32_t size = u32();
   if (size == 0) return {};
   if (size > kTrustedUnits) requireLeft(size);
-  std::u16string text((size + 1) / sizeof(char16_t), u'\0');
+  std::u16string text((std::size_t{size} + 1) / sizeof(char16_t), u'\0');
   bytes(text.data(), size);
   // What is counted ends in a terminator; a damaged record may have none, or stop within a unit.
   text.resize(size / sizeof(char16_t));

@@ -34,7 +34,8 @@ std::optional<LockedFile> openToReplace(const FilePlace& place) {
 
 }  // namespace
 
-RootStorage::RootStorage(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents, bool unwritten)
+RootStorage::RootStorage(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents,
+                         bool unwritten)
     : file_(std::move(file)),
       committed_(std::move(contents.root)),
       damage_(std::move(contents.damage)),
@@ -74,7 +75,8 @@ HRESULT RootStorage::Findings(std::vector<BString>* out) {
   });
 }
 
-Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BString& name, std::uint32_t mode) {
+Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BString& name,
+                         std::uint32_t mode) {
   const OpenMode wanted = rootMode(mode);
   if (!wanted.write) throw StatusError(STG_E_INVALIDFUNCTION);
   const FilePlace place = FilePlace::resolve(calls, hostPath);
@@ -89,7 +91,8 @@ Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BS
       make<RootStorage>(LockedFile::create(place, writerOf(layout)), name, wanted, empty, false));
 }
 
-Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BString& name, std::uint32_t mode) {
+Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BString& name,
+                       std::uint32_t mode) {
   const OpenMode wanted = rootMode(mode);
   if (wanted.create) throw StatusError(STG_E_INVALIDFUNCTION);
   LockedFile file = LockedFile::open(FilePlace::resolve(calls, hostPath), wanted.write);

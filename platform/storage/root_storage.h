@@ -12,12 +12,12 @@
 
 namespace forgeyard::compound {
 
-// The root of a project file: owns the locked file, and beside its version the one that the file holds. Always
-// transacted.
+// The root of a project file: owns the locked file, and beside its version the one that the file holds.
+// Always transacted.
 class RootStorage final : public ComObject<StorageObject, IRootStorage, IDamageReport> {
  public:
-  // `name` is the path as the caller gave it. Where `unwritten` is set the file holds something else than `contents`
-  // until the first commit.
+  // `name` is the path as the caller gave it. Where `unwritten` is set the file holds something else than
+  // `contents` until the first commit.
   RootStorage(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents, bool unwritten);
 
   HRESULT SwitchToFile(const BString& path) override;
@@ -36,7 +36,9 @@ class RootStorage final : public ComObject<StorageObject, IRootStorage, IDamageR
 };
 
 // StgCreateDocfile and StgOpenStorage for a host path. They throw StatusError.
-Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BString& name, std::uint32_t mode);
-Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BString& name, std::uint32_t mode);
+Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BString& name,
+                         std::uint32_t mode);
+Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BString& name,
+                       std::uint32_t mode);
 
 }  // namespace forgeyard::compound

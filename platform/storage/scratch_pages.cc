@@ -11,7 +11,9 @@ ScratchPage::ScratchPage(std::shared_ptr<ScratchPages> home, std::vector<std::ui
   if (!fileOffset_) bytes_ = std::move(bytes);
 }
 
-ScratchPage::~ScratchPage() { home_->release(size_, fileOffset_); }
+ScratchPage::~ScratchPage() {
+  home_->release(size_, fileOffset_);
+}
 
 void ScratchPage::read(std::size_t offset, std::span<std::uint8_t> out) const {
   if (!fileOffset_) {

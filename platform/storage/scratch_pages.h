@@ -40,8 +40,8 @@ class ScratchPage {
 
 using SharedPage = std::shared_ptr<const ScratchPage>;
 
-// Where the uncommitted pages of one project file live: in memory up to a few megabytes, beyond that in a file
-// without a name beside it. When that file can't be had or is full, memory takes them. Any thread.
+// Where the uncommitted pages of one project file live: in memory up to a few megabytes, beyond that in a
+// file without a name beside it. When that file can't be had or is full, memory takes them. Any thread.
 class ScratchPages : public std::enable_shared_from_this<ScratchPages> {
  public:
   static constexpr std::size_t kMemoryLimit = std::size_t{4} << 20;

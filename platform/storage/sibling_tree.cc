@@ -6,8 +6,8 @@
 namespace forgeyard::compound {
 namespace {
 
-// Halving puts all nodes on the levels above the last one, which may have gaps. Red nodes on just that level make
-// every path pass the same number of black ones.
+// Halving puts all nodes on the levels above the last one, which may have gaps. Red nodes on just that level
+// make every path pass the same number of black ones.
 std::uint32_t linkHalves(std::span<SiblingLinks> part, std::uint32_t firstId, int levelsLeft) {
   if (part.empty()) return kNoEntry;
   const std::size_t middle = part.size() / 2;

@@ -13,8 +13,8 @@ struct SiblingLinks {
   bool black = true;
 };
 
-// Links siblings, which have the ids firstId, firstId + 1, ... in directory order, to a balanced red-black tree. The
-// id of its top; kNoEntry for no siblings.
+// Links siblings, which have the ids firstId, firstId + 1, ... in directory order, to a balanced red-black
+// tree. The id of its top; kNoEntry for no siblings.
 std::uint32_t linkSiblings(std::span<SiblingLinks> siblings, std::uint32_t firstId);
 
 }  // namespace forgeyard::compound

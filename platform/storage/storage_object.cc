@@ -22,7 +22,8 @@ STATSTG describe(const Element& element) {
 HRESULT StorageObject::CreateStream(const BString& name, std::uint32_t mode, Ref<IStream>* out) {
   return produce(out, [&] {
     const OpenMode wanted = modeToCreate(mode, Kind::Stream);
-    addElement({.name = name, .stream = std::make_shared<StreamContent>(), .storage = nullptr}, wanted.create);
+    addElement({.name = name, .stream = std::make_shared<StreamContent>(), .storage = nullptr},
+               wanted.create);
     return openStream(name, wanted);
   });
 }
@@ -199,7 +200,8 @@ Ref<IStorage> StorageObject::openStorage(const BString& name, OpenMode mode) {
   }
 }
 
-SubStorage::SubStorage(std::shared_ptr<Session> session, StorageObject* parent, const BString& name, OpenMode mode) {
+SubStorage::SubStorage(std::shared_ptr<Session> session, StorageObject* parent, const BString& name,
+                       OpenMode mode) {
   attach(std::move(session), parent, name);
   start(mode, mode.transacted ? std::as_const(*parent).storageOf(name) : nullptr);
 }
@@ -209,6 +211,8 @@ void SubStorage::commitOwn(std::uint32_t) {
   if (committed() != own_) parent_->changeStorageOf(name_) = own_;
 }
 
-std::shared_ptr<StorageTree> SubStorage::committed() const { return std::as_const(*parent_).storageOf(name_); }
+std::shared_ptr<StorageTree> SubStorage::committed() const {
+  return std::as_const(*parent_).storageOf(name_);
+}
 
 }  // namespace forgeyard::compound

@@ -14,10 +14,10 @@
 
 namespace forgeyard::compound {
 
-// An open storage: everything that the root and sub-storages have in common. A transacted one works on a version of
-// its own, which Commit hands on; any other works on its parent's version itself. An element is open once at a time
-// (STG_E_ACCESSDENIED else). Destroying or replacing an element cuts it off, as reverting its storage or letting it go
-// does.
+// An open storage: everything that the root and sub-storages have in common. A transacted one works on a
+// version of its own, which Commit hands on; any other works on its parent's version itself. An element is
+// open once at a time (STG_E_ACCESSDENIED else). Destroying or replacing an element cuts it off, as reverting
+// its storage or letting it go does.
 class StorageObject : public IStorage, public OpenElement {
  public:
   using Implements = TypeList<IStorage>;
@@ -36,8 +36,12 @@ class StorageObject : public IStorage, public OpenElement {
   // For the open elements, with the session's mutex held. An open element is always there.
   const StreamContent& streamOf(const BString& name) const { return *version().find(name)->stream; }
   StreamContent& changeStreamOf(const BString& name) { return makeOwn(changeVersion().find(name)->stream); }
-  const std::shared_ptr<StorageTree>& storageOf(const BString& name) const { return version().find(name)->storage; }
-  std::shared_ptr<StorageTree>& changeStorageOf(const BString& name) { return changeVersion().find(name)->storage; }
+  const std::shared_ptr<StorageTree>& storageOf(const BString& name) const {
+    return version().find(name)->storage;
+  }
+  std::shared_ptr<StorageTree>& changeStorageOf(const BString& name) {
+    return changeVersion().find(name)->storage;
+  }
   void forget(const BString& name) noexcept { open_.erase(name); }
 
   void flush() override;

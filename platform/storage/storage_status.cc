@@ -35,19 +35,12 @@ HRESULT statusOf(int error, Attempt attempt) noexcept {
     case ENFILE:
       return STG_E_INSUFFICIENTMEMORY;
     default:
-      break;
+      return attempt == Attempt::Read ? STG_E_READFAULT : STG_E_WRITEFAULT;
   }
-  switch (attempt) {
-    case Attempt::Open:
-      return STG_E_INVALIDFUNCTION;
-    case Attempt::Read:
-      return STG_E_READFAULT;
-    case Attempt::Write:
-      return STG_E_WRITEFAULT;
-  }
-  return E_FAIL;
 }
 
-void throwErrno(Attempt attempt) { throw StatusError(statusOf(errno, attempt)); }
+void throwErrno(Attempt attempt) {
+  throw StatusError(statusOf(errno, attempt));
+}
 
 }  // namespace forgeyard::compound

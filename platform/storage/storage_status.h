@@ -5,7 +5,7 @@
 namespace forgeyard::compound {
 
 // What the caller was about to do decides the status of errors that tell nothing more particular.
-enum class Attempt { Open, Read, Write };
+enum class Attempt { Read, Write };
 
 // The one place where the system's error numbers become storage statuses.
 HRESULT statusOf(int error, Attempt attempt) noexcept;

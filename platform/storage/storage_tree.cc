@@ -11,9 +11,10 @@ namespace {
 // The first element that is not ordered before the name.
 template <class Elements>
 auto position(Elements& elements, std::u16string_view name) noexcept {
-  return std::lower_bound(
-      elements.begin(), elements.end(), name,
-      [](const Element& element, std::u16string_view wanted) { return DirectoryOrder{}(element.name, wanted); });
+  return std::lower_bound(elements.begin(), elements.end(), name,
+                          [](const Element& element, std::u16string_view wanted) {
+                            return DirectoryOrder{}(element.name, wanted);
+                          });
 }
 
 template <class Elements>
@@ -39,9 +40,13 @@ StorageTree::~StorageTree() {
   }
 }
 
-const Element* StorageTree::find(std::u16string_view name) const noexcept { return findIn(elements, name); }
+const Element* StorageTree::find(std::u16string_view name) const noexcept {
+  return findIn(elements, name);
+}
 
-Element* StorageTree::find(std::u16string_view name) noexcept { return findIn(elements, name); }
+Element* StorageTree::find(std::u16string_view name) noexcept {
+  return findIn(elements, name);
+}
 
 Element& StorageTree::insert(Element element) {
   const auto at = position(elements, element.name);

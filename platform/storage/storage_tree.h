@@ -20,9 +20,9 @@ struct Element {
   std::shared_ptr<StorageTree> storage;
 };
 
-// One version of a storage's contents. Versions share what they have in common: whoever changes a storage or a
-// stream first makes sure, by makeOwn(), that no other version has it too. So a snapshot costs a reference, and a
-// version that equals another is the same object.
+// One version of a storage's contents. Versions share what they have in common: whoever changes a storage or
+// a stream first makes sure, by makeOwn(), that no other version has it too. So a snapshot costs a reference,
+// and a version that equals another is the same object.
 struct StorageTree {
   Guid clsid{};
   std::uint32_t stateBits = 0;  // not used by us, and kept

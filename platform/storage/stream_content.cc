@@ -44,7 +44,8 @@ void StreamContent::readPage(const SharedPage& page, std::size_t offset, std::sp
 
 void StreamContent::readFile(std::uint64_t offset, std::span<std::uint8_t> out) const {
   const std::size_t stored =
-      offset < fileSize_ ? static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), fileSize_ - offset)) : 0;
+      offset < fileSize_ ? static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), fileSize_ - offset))
+                         : 0;
   if (stored > 0) readRuns(*file_, runs_, offset, out.first(stored));
   std::fill(out.begin() + static_cast<std::ptrdiff_t>(stored), out.end(), std::uint8_t{0});
 }

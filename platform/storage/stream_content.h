@@ -11,8 +11,8 @@
 
 namespace forgeyard::compound {
 
-// The bytes of one version of a stream: those that lie in a file, overlaid with the pages that were written since.
-// A copy shares the pages, so versions are cheap. Failures throw StatusError.
+// The bytes of one version of a stream: those that lie in a file, overlaid with the pages that were written
+// since. A copy shares the pages, so versions are cheap. Failures throw StatusError.
 class StreamContent {
  public:
   StreamContent() = default;
@@ -26,8 +26,8 @@ class StreamContent {
   // Fills `out` from an offset on; the number of bytes, which is less only where the stream ends.
   std::size_t read(std::uint64_t offset, std::span<std::uint8_t> out) const;
 
-  // Puts new bytes in the place of a page, from its start to the end of `bytes`, which is the page's end or the
-  // stream's. A stream that ended earlier is filled up with zeros.
+  // Puts new bytes in the place of a page, from its start to the end of `bytes`, which is the page's end or
+  // the stream's. A stream that ended earlier is filled up with zeros.
   void replacePage(std::uint64_t page, std::vector<std::uint8_t> bytes, ScratchPages& scratch);
   void resize(std::uint64_t size, ScratchPages& scratch);
 

@@ -14,7 +14,8 @@ constexpr std::size_t kFirstPageBytes = 512;
 
 }  // namespace
 
-StreamObject::StreamObject(std::shared_ptr<Session> session, StorageObject* parent, const BString& name, OpenMode mode)
+StreamObject::StreamObject(std::shared_ptr<Session> session, StorageObject* parent, const BString& name,
+                           OpenMode mode)
     : mode_(mode) {
   attach(std::move(session), parent, name);
 }
@@ -58,7 +59,8 @@ HRESULT StreamObject::writeOn(const void* bytes, std::uint32_t count, std::uint3
   return run([&] {
     if (!mode_.write) throw StatusError(STG_E_ACCESSDENIED);
     if (!bytes && count > 0) throw StatusError(STG_E_INVALIDPOINTER);
-    if (position() > kMaxStreamSize || count > kMaxStreamSize - position()) throw StatusError(STG_E_MEDIUMFULL);
+    if (position() > kMaxStreamSize || count > kMaxStreamSize - position())
+      throw StatusError(STG_E_MEDIUMFULL);
     while (done < count) done += writeSome(static_cast<const std::uint8_t*>(bytes) + done, count - done);
   });
 }
@@ -89,8 +91,8 @@ HRESULT StreamObject::Seek(std::int64_t offset, StreamSeek origin, std::uint64_t
     if (origin == StreamSeek::Current) from = position();
     if (origin == StreamSeek::End) from = size();
     std::int64_t target = 0;
-    if (origin > StreamSeek::End || __builtin_add_overflow(static_cast<std::int64_t>(from), offset, &target) ||
-        target < 0) {
+    if (origin > StreamSeek::End ||
+        __builtin_add_overflow(static_cast<std::int64_t>(from), offset, &target) || target < 0) {
       throw StatusError(STG_E_INVALIDFUNCTION);
     }
     const std::uint64_t to = static_cast<std::uint64_t>(target);
@@ -171,7 +173,8 @@ void StreamObject::growPage(std::size_t bytes) {
 void StreamObject::setLimits() noexcept {
   const std::uint64_t room = kMaxStreamSize > pageStart_ ? kMaxStreamSize - pageStart_ : 0;
   readableEnd_ = loaded_ && mode_.read ? used_ : 0;
-  writableEnd_ = loaded_ && mode_.write ? static_cast<std::size_t>(std::min<std::uint64_t>(page_.size(), room)) : 0;
+  writableEnd_ =
+      loaded_ && mode_.write ? static_cast<std::size_t>(std::min<std::uint64_t>(page_.size(), room)) : 0;
 }
 
 }  // namespace forgeyard::compound

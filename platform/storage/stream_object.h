@@ -13,9 +13,9 @@
 
 namespace forgeyard::compound {
 
-// An open stream: a position, and the page around it. What lies in the page is read and written right here; all else
-// goes through the parent's version. A read where a damaged stream breaks off fails with STG_E_DOCFILECORRUPT; up to
-// there it can be read.
+// An open stream: a position, and the page around it. What lies in the page is read and written right here;
+// all else goes through the parent's version. A read where a damaged stream breaks off fails with
+// STG_E_DOCFILECORRUPT; up to there it can be read.
 class StreamObject final : public ComObject<IStream>, public OpenElement {
  public:
   StreamObject(std::shared_ptr<Session> session, StorageObject* parent, const BString& name, OpenMode mode);
@@ -69,8 +69,8 @@ class StreamObject final : public ComObject<IStream>, public OpenElement {
   }
 
   const OpenMode mode_;
-  // The page that the position lies in, or at the end of. What is loaded of it or written to it stands in page_, with
-  // zeros behind the used bytes.
+  // The page that the position lies in, or at the end of. What is loaded of it or written to it stands in
+  // page_, with zeros behind the used bytes.
   std::uint64_t pageStart_ = 0;
   std::size_t cursor_ = 0;  // in the page
   std::vector<std::uint8_t> page_;

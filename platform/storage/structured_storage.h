@@ -87,14 +87,14 @@ struct IRootStorage : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("00000012-0000-0000-C000-000000000046");
 
-  // Makes a new file with the committed contents and lets this root work on that one from now on; what is uncommitted
-  // comes along, still uncommitted. STG_E_FILEALREADYEXISTS if a file stands there.
+  // Makes a new file with the committed contents and lets this root work on that one from now on; what is
+  // uncommitted comes along, still uncommitted. STG_E_FILEALREADYEXISTS if a file stands there.
   virtual HRESULT SwitchToFile(const BString& path) = 0;
 };
 
-// What was found damaged when a file was opened, in sentences that name the element; the root offers it. Elements that
-// can't be read are missing, streams that break off end early and say so (STG_E_DOCFILECORRUPT) to who reads on. A
-// commit writes what could be read.
+// What was found damaged when a file was opened, in sentences that name the element; the root offers it.
+// Elements that can't be read are missing, streams that break off end early and say so (STG_E_DOCFILECORRUPT)
+// to who reads on. A commit writes what could be read.
 struct IDamageReport : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("7C1E0B52-6F0D-4D0A-9E43-2B7A51C6D8F4");
@@ -103,8 +103,8 @@ struct IDamageReport : IUnknown {
 };
 
 // Opens or makes a compound file at a host-mapped path in backslash form. The file stays locked against other
-// openers, in this process and others, until the last reference to the root goes. Nothing reaches the file before
-// Commit of the root, which is atomic and durable.
+// openers, in this process and others, until the last reference to the root goes. Nothing reaches the file
+// before Commit of the root, which is atomic and durable.
 HRESULT StgCreateDocfile(const BString& path, std::uint32_t mode, Ref<IStorage>* out);
 HRESULT StgOpenStorage(const BString& path, std::uint32_t mode, Ref<IStorage>* out);
 

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -20,6 +21,11 @@ inline constexpr std::uint32_t kTransacted = 65554;  // of a sub-storage
 inline constexpr std::uint32_t kRead = STGM_READ | STGM_SHARE_EXCLUSIVE;
 inline constexpr std::uint32_t kChange = 18;
 inline constexpr std::uint32_t kCreate = 4114;
+
+// Shows a status as it is usually written.
+inline void PrintTo(HRESULT status, std::ostream* out) {
+  *out << std::hex << static_cast<std::uint32_t>(code(status)) << std::dec;
+}
 
 // Everything in a storage by path: "Sub/" with its class identifier, "Sub/Inner" with its bytes.
 using Contents = std::map<std::string, std::string>;
