@@ -21,7 +21,6 @@ test   libgsf-bin                another implementation reads our project files
 test   python3-olefile           and one more
 lint   clang-format              layout of the code
 lint   clang-tidy                faults that the compiler does not see; brings python3
-lint   clang                     lists what a source includes
 fuzz   clang                     compiles the fuzz targets
 fuzz   libclang-rt-14-dev        libFuzzer
 TEXT

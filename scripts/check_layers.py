@@ -1,0 +1,114 @@
+#!/usr/bin/env python3
+"""Checks that includes run downward: each layer includes only the layers named for it here, an include is written
+from the project's root, names a file that exists, and no header reaches itself again."""
+
+import re
+import sys
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parent.parent
+
+# A layer, and what it may include besides itself. From the ground up.
+BASE = ["platform/text", "platform/paths", "platform/registry"]
+PLATFORM = BASE + ["platform/com", "platform/files", "platform/storage", "platform/threads", "platform/ui"]
+LAYERS = {
+    "platform/text": [],
+    "platform/paths": ["platform/text"],
+    "platform/registry": ["platform/text", "platform/paths"],
+    "platform/com": ["platform/text"],
+    "platform/files": BASE + ["platform/com"],
+    "platform/storage": BASE + ["platform/com", "platform/files"],
+    "platform/threads": BASE + ["platform/com", "platform/files"],
+    "platform/ui": BASE + ["platform/com"],
+    "typelib": PLATFORM,
+    "engine": PLATFORM + ["typelib"],
+    "model": PLATFORM + ["typelib", "engine"],
+    "tools": PLATFORM + ["typelib", "engine", "model"],
+    "sourcecontrol": PLATFORM + ["typelib", "engine", "model"],
+    "ui": PLATFORM + ["typelib", "engine", "model", "tools", "sourcecontrol"],
+    "plugin": PLATFORM + ["typelib", "engine", "model", "tools", "sourcecontrol", "ui"],
+    # Hosts reach the module through its exports and interfaces alone.
+    "hosts": PLATFORM + ["typelib", "plugin"],
+    # Programs of their own, which start thousands of times: small.
+    "adapters": BASE,
+    "spawner": BASE + ["adapters"],
+}
+ADAPTERS_SHARE = "adapters/common"
+# These may include anything, and no layer includes them.
+OUTSIDE = ["tests", "bench", "fuzz"]
+
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
+
+
+def layer_of(path):
+    return next((layer for layer in [*LAYERS, *OUTSIDE] if path.startswith(layer + "/")), None)
+
+
+def sources():
+    for top in sorted({layer.split("/")[0] for layer in [*LAYERS, *OUTSIDE]}):
+        for suffix in ("h", "cc"):
+            yield from sorted((ROOT / top).rglob(f"*.{suffix}"))
+
+
+def includes_of(path):
+    for number, line in enumerate((ROOT / path).read_text().splitlines(), 1):
+        if match := INCLUDE.match(line):
+            yield number, match[1]
+
+
+def fault(path, target):
+    """What is wrong with `path` including `target`, or None."""
+    here, there = layer_of(path), layer_of(target)
+    if not (ROOT / target).is_file():
+        return "no such file below the project's root"
+    if here is None:
+        return "the including file belongs to no layer"
+    if there is None:
+        return "the included file belongs to no layer"
+    if here in OUTSIDE:
+        return None
+    if here == "adapters" == there:
+        own = str(Path(path).parent)
+        return None if target.startswith((own + "/", ADAPTERS_SHARE + "/")) else "adapters share adapters/common only"
+    if here == there:
+        return None
+    return None if there in LAYERS[here] else f"{here} may not include {there}"
+
+
+def circle(graph):
+    """The first circle among the headers, as a list of files, or an empty list."""
+    done, trail = set(), []
+
+    def visit(path):
+        if path in trail:
+            return trail[trail.index(path):] + [path]
+        if path in done:
+            return []
+        trail.append(path)
+        for target in graph.get(path, []):
+            if found := visit(target):
+                return found
+        trail.pop()
+        done.add(path)
+        return []
+
+    return next((found for path in graph if (found := visit(path))), [])
+
+
+def main():
+    faults, graph = [], {}
+    for file in sources():
+        path = str(file.relative_to(ROOT))
+        graph[path] = []
+        for number, target in includes_of(path):
+            graph[path].append(target)
+            if wrong := fault(path, target):
+                faults.append(f'{path}:{number}: "{target}": {wrong}')
+    if found := circle(graph):
+        faults.append("headers in a circle: " + " -> ".join(found))
+    print("\n".join(faults) if faults else f"{len(graph)} files include downward only")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
