@@ -42,7 +42,7 @@ std::string harmless(std::string_view text, std::size_t longest) {
 
 std::string neverExisting(std::string_view why, std::string_view name) {
   std::string word = std::string(NEVER) + std::string(why) + "/";
-  return word + harmless(baseName(name), LONGEST_NAME - word.size());
+  return word + harmless(name.substr(name.rfind('/') + 1), LONGEST_NAME - word.size());
 }
 
 std::string collapsed(std::string_view path) {
@@ -77,8 +77,8 @@ std::string absoluteName(std::string_view name, std::string_view directory) {
   const std::string whole =
       name.starts_with('/') ? std::string(name) : std::string(directory) + "/" + std::string(name);
   const std::string result = collapsed(whole);
-  if (whole.find("/..") == whole.npos || sameFile(whole, result)) return result;
-  return whole;
+  const bool otherFile = whole.find("/..") != whole.npos && kindOf(whole) != 0 && !sameFile(whole, result);
+  return otherFile ? whole : result;
 }
 
 std::optional<std::string> dependencyWord(std::string_view absoluteName, const DependencyPlace& place) {

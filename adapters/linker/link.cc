@@ -3,6 +3,7 @@
 #include <errno.h>
 
 #include <optional>
+#include <utility>
 
 #include "adapters/common/file_names.h"
 #include "adapters/common/temporary.h"
@@ -124,7 +125,12 @@ class Link {
   // So that the map says the same for the same input.
   void nameOriginalsInMap() {
     if (command_.mapFile.empty()) return;
-    rewrite(command_.mapFile, [&](const std::string& map) { return script_.withOriginals(map); });
+    constexpr std::string_view WORD = "\nOUTPUT(";
+    rewrite(command_.mapFile, [&](std::string map) {
+      const std::size_t output = map.rfind(std::string(WORD) + linked());
+      if (output != map.npos) map.replace(output + WORD.size(), linked().size(), command_.output);
+      return script_.withOriginals(std::move(map));
+    });
   }
 
   void convert() {

@@ -154,7 +154,7 @@ void LinkScript::rewrite(Source& source) {
     source.copy += token.text;
     if (token.kind != Kind::Mark) continue;
     if (token.isMark('(') || token.isMark('{')) ++source.depth;
-    if (token.isMark(')') || token.isMark('}')) --source.depth;
+    if (token.isMark(')') || token.isMark('}')) source.depth = std::max(source.depth - 1, 0);
     if (source.depth > 0 || token.isMark(',')) continue;
     source.names = Names::None;
     source.statementStart = true;

@@ -22,10 +22,9 @@ class Spawned {
  public:
   explicit Spawned(const std::string& command, const std::string& spawner = SPAWNER)
       : Spawned(std::vector<std::string>{spawner, command}) {}
-  explicit Spawned(const std::vector<std::string>& arguments) {
-    ProcessOptions options;
-    options.program = arguments.front();
-    options.arguments = arguments;
+  explicit Spawned(const std::vector<std::string>& arguments)
+      : Spawned(ProcessOptions{arguments.front(), arguments, {}, {}, -1, -1}) {}
+  explicit Spawned(ProcessOptions options) {
     options.standardOutput = pipe_.writeEnd.get();
     options.standardError = pipe_.writeEnd.get();
     ProcessStartError error;
@@ -78,32 +77,16 @@ inline void PrintTo(const Result& result, std::ostream* out) {
   *out << "exit " << result.exitCode << ", output \"" << result.output << '"';
 }
 
-inline Result spawn(const std::string& command, const std::string& spawner = SPAWNER) {
-  Spawned run(command, spawner);
+inline Result resultOf(Spawned& run) {
   Result result;
   result.output = run.output();
   result.exitCode = run.wait();
   return result;
 }
 
-// The tool of the tests is on the PATH; events and registry are the test's own.
-class SpawnerTest : public RuntimeTest {
- protected:
-  void setRegistry(const std::string& text) { writeFile(scratch_ / "registry", text); }
-
-  ScopedVariable registry_{"FORGEYARD_REGISTRY", scratch_ / "registry"};
-  ScopedVariable path_{"PATH", SPAWNER_TOOLS ":/usr/bin:/bin"};
-};
-
-// The same for both ways through the spawner: a plain command is started before the C library is up, one with
-// quotes by the ordinary program.
-class BothWaysTest : public SpawnerTest, public testing::WithParamInterface<const char*> {
- protected:
-  // The command, with its program's name as the way needs it.
-  static std::string tool(const std::string& arguments, const std::string& program = "tool") {
-    const std::string quote = GetParam() == std::string("quoted") ? "\"" : "";
-    return quote + program + quote + " " + arguments;
-  }
-};
+inline Result spawn(const std::string& command, const std::string& spawner = SPAWNER) {
+  Spawned run(command, spawner);
+  return resultOf(run);
+}
 
 }  // namespace forgeyard

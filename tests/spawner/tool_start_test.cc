@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "platform/threads/named_event.h"
-#include "tests/spawner/spawned.h"
+#include "tests/spawner/spawner_test.h"
 
 namespace forgeyard {
 namespace {

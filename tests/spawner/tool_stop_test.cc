@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "platform/threads/named_event.h"
-#include "tests/spawner/spawned.h"
+#include "tests/spawner/spawner_test.h"
 
 // Every test reads the output to its end: that comes only when the last process that could write to it has
 // ended.

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "tests/spawner/spawned.h"
+
+namespace forgeyard {
+
+// The tool of the tests is on the PATH; events and registry are the test's own.
+class SpawnerTest : public RuntimeTest {
+ protected:
+  void setRegistry(const std::string& text) { writeFile(scratch_ / "registry", text); }
+
+  ScopedVariable registry_{"FORGEYARD_REGISTRY", scratch_ / "registry"};
+  ScopedVariable path_{"PATH", SPAWNER_TOOLS ":/usr/bin:/bin"};
+};
+
+// The same for both ways through the spawner: a plain command is started before the C library is up, one with
+// quotes by the ordinary program.
+class BothWaysTest : public SpawnerTest, public testing::WithParamInterface<const char*> {
+ protected:
+  // The command, with its program's name as the way needs it.
+  static std::string tool(const std::string& arguments, const std::string& program = "tool") {
+    const std::string quote = GetParam() == std::string("quoted") ? "\"" : "";
+    return quote + program + quote + " " + arguments;
+  }
+};
+
+}  // namespace forgeyard
