@@ -44,7 +44,7 @@ bool plainName(std::string_view name) {
 }  // namespace
 
 std::string runtimeDirectory() {
-  const std::string directory = chosenDirectory();
+  std::string directory = chosenDirectory();
   if (::mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) {
     detail::throwErrno("making the runtime directory " + directory);
   }

@@ -45,13 +45,16 @@ Running& threadCounter() {
   return counter;
 }
 
-// A thread starts with all signals blocked, so that they go to the host's own threads.
+// A thread starts with signals blocked, so that they go to the host's own threads; those of its own faults
+// excepted.
 class BlockedSignals {
  public:
   BlockedSignals() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_SETMASK, &all, &previous_);
+    sigset_t blocked;
+    sigfillset(&blocked);
+    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS})
+      sigdelset(&blocked, fault);
+    pthread_sigmask(SIG_SETMASK, &blocked, &previous_);
   }
   ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
   BlockedSignals(const BlockedSignals&) = delete;

@@ -252,6 +252,7 @@ TEST(ApartmentEnd, CallsFailOnceTheOwnerHasGone) {
   const std::shared_ptr<Apartment> apartment = scope->get();
   std::vector<HRESULT> statuses(4, S_OK);
   std::vector<std::unique_ptr<Thread>> callers;
+  callers.reserve(statuses.size());
   for (HRESULT& status : statuses) {
     callers.push_back(std::make_unique<Thread>("caller", [&status, apartment] {
       // The first calls may still be served; sooner or later one is refused.

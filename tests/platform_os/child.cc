@@ -154,6 +154,7 @@ int takeTurns(const Arguments& arguments) {
   };
   {
     std::vector<std::unique_ptr<Thread>> threads;
+    threads.reserve(3);
     for (int i = 0; i < 3; ++i) {
       threads.push_back(std::make_unique<Thread>("turns", [&] {
         for (int n = 0; n < std::stoi(arguments.at(3)); ++n) turn();

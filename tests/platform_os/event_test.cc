@@ -52,6 +52,7 @@ TEST(WaitAny, LowestSignalledIndexWins) {
 TEST(WaitAny, ManyHandlesAreAllLookedAt) {
   std::vector<Event> events(40);
   std::vector<const Waitable*> handles;
+  handles.reserve(events.size());
   for (const Event& event : events) handles.push_back(&event);
   events.back().set();
   EXPECT_EQ(waitAny(Waitables(handles)), 39u);

@@ -11,8 +11,17 @@
 namespace forgeyard {
 namespace {
 
+struct IProbe : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("7A1C3E52-94D0-4B8E-9C55-0D6E2F1B8A01");
+  virtual HRESULT use() = 0;
+
+ protected:
+  ~IProbe() = default;
+};
+
 // Remembers the threads that used and released it.
-class Probe : public ComObject<IUnknown> {
+class Probe : public ComObject<IProbe> {
  public:
   struct Log {
     int uses = 0;
@@ -20,7 +29,7 @@ class Probe : public ComObject<IUnknown> {
     std::thread::id releasedOn;
   };
   explicit Probe(Log& log) : log_(log) {}
-  HRESULT use() {
+  HRESULT use() override {
     ++log_.uses;
     return log_.uses == 3 ? E_FAIL : S_OK;
   }
@@ -38,12 +47,12 @@ class Probe : public ComObject<IUnknown> {
 TEST(MarshalledRef, ObjectIsUsedAndReleasedOnTheOwnersThread) {
   Probe::Log log;
   const ApartmentScope scope;
-  MarshalledRef<Probe> carried(make<Probe>(log));
+  MarshalledRef<IProbe> carried(make<Probe>(log));
   std::vector<HRESULT> statuses;
   Thread thread("carrier", [&, mine = std::move(carried)]() mutable {
-    const MarshalledRef<Probe> copy = mine;
-    mine = MarshalledRef<Probe>();
-    for (int i = 0; i < 3; ++i) statuses.push_back(copy.status([](Probe& probe) { return probe.use(); }));
+    const MarshalledRef<IProbe> copy = mine;
+    mine = MarshalledRef<IProbe>();
+    for (int i = 0; i < 3; ++i) statuses.push_back(copy.status([](IProbe& probe) { return probe.use(); }));
   });
   scope->waitPumping({&thread});
   scope->pumpPending();
@@ -56,8 +65,8 @@ TEST(MarshalledRef, LastCopyDroppedByTheOwnerReleasesAtOnce) {
   Probe::Log log;
   const ApartmentScope scope;
   {
-    const MarshalledRef<Probe> carried(make<Probe>(log));
-    EXPECT_EQ(carried.call([](Probe& probe) { return probe.use(); }), S_OK);
+    const MarshalledRef<IProbe> carried(make<Probe>(log));
+    EXPECT_EQ(carried.call([](IProbe& probe) { return probe.use(); }), S_OK);
     EXPECT_FALSE(log.released);
   }
   EXPECT_TRUE(log.released);
@@ -65,13 +74,13 @@ TEST(MarshalledRef, LastCopyDroppedByTheOwnerReleasesAtOnce) {
 
 TEST(MarshalledRef, EndOfTheApartmentReleasesItAndFailsItsCalls) {
   Probe::Log log;
-  MarshalledRef<Probe> carried;
+  MarshalledRef<IProbe> carried;
   {
     const ApartmentScope scope;
-    carried = MarshalledRef<Probe>(make<Probe>(log));
+    carried = MarshalledRef<IProbe>(make<Probe>(log));
   }
   EXPECT_TRUE(log.released);
-  const auto use = [](Probe& probe) { return probe.use(); };
+  const auto use = [](IProbe& probe) { return probe.use(); };
   EXPECT_EQ(carried.status(use), RPC_E_DISCONNECTED);
   HRESULT status = S_OK;
   Thread("carrier", [&] { status = carried.status(use); }).join();
@@ -84,15 +93,15 @@ TEST(MarshalledRef, ReferencesInsideReferencesGoToo) {
   Probe::Log log;
   class Holder : public ComObject<IUnknown> {
    public:
-    explicit Holder(MarshalledRef<Probe> inner) : inner_(std::move(inner)) {}
+    explicit Holder(MarshalledRef<IProbe> inner) : inner_(std::move(inner)) {}
 
    private:
-    MarshalledRef<Probe> inner_;
+    MarshalledRef<IProbe> inner_;
   };
   MarshalledRef<Holder> outer;
   {
     const ApartmentScope scope;
-    outer = MarshalledRef<Holder>(make<Holder>(MarshalledRef<Probe>(make<Probe>(log))));
+    outer = MarshalledRef<Holder>(make<Holder>(MarshalledRef<IProbe>(make<Probe>(log))));
   }
   EXPECT_TRUE(log.released);
 }
@@ -100,8 +109,8 @@ TEST(MarshalledRef, ReferencesInsideReferencesGoToo) {
 TEST(MarshalledRef, StaysAliveForACallThatWaitsWhileItIsDropped) {
   Probe::Log log;
   const ApartmentScope scope;
-  auto carried = std::make_unique<MarshalledRef<Probe>>(make<Probe>(log));
-  carried->call([&](Probe& probe) {
+  auto carried = std::make_unique<MarshalledRef<IProbe>>(make<Probe>(log));
+  carried->call([&](IProbe& probe) {
     carried.reset();
     EXPECT_FALSE(log.released);
     EXPECT_EQ(probe.use(), S_OK);
@@ -111,8 +120,8 @@ TEST(MarshalledRef, StaysAliveForACallThatWaitsWhileItIsDropped) {
 
 TEST(MarshalledRef, NullStaysNull) {
   const ApartmentScope scope;
-  EXPECT_FALSE(MarshalledRef<Probe>(Ref<Probe>()));
-  EXPECT_FALSE(MarshalledRef<Probe>());
+  EXPECT_FALSE(MarshalledRef<IProbe>(Ref<IProbe>()));
+  EXPECT_FALSE(MarshalledRef<IProbe>());
 }
 
 }  // namespace

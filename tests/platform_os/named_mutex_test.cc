@@ -132,6 +132,25 @@ TEST_F(NamedMutexTest, StopWinsOverAFreeMutex) {
   EXPECT_TRUE(NamedMutex("ExcludeMultiBuild").tryLock());
 }
 
+// Is set in the moment between the look at it and the taking of the mutex.
+class LateStop : public Waitable {
+ public:
+  int descriptor() const noexcept override {
+    if (++asked_ == 2) event_.set();
+    return event_.descriptor();
+  }
+
+ private:
+  mutable Event event_;
+  mutable int asked_ = 0;
+};
+
+TEST_F(NamedMutexTest, StopThatComesTogetherWithTheMutexWins) {
+  NamedMutex mutex("ExcludeMultiBuild");
+  EXPECT_EQ(waitAny(LateStop(), mutex), 0u);
+  EXPECT_FALSE(mutex.isHeld());
+}
+
 TEST_F(NamedMutexTest, RefusesWhatIsNoFile) {
   std::filesystem::create_directory(scratch_ / "folder.mutex");
   std::filesystem::create_symlink("target", scratch_ / "link.mutex");

@@ -37,7 +37,7 @@ class ScratchDirectory {
 // Sets (or, with nothing, removes) a variable of the environment for a while.
 class ScopedVariable {
  public:
-  ScopedVariable(const char* name, std::optional<std::string> value) : name_(name) {
+  ScopedVariable(const char* name, const std::optional<std::string>& value) : name_(name) {
     if (const char* old = std::getenv(name)) previous_ = old;
     put(value);
   }
