@@ -40,7 +40,6 @@ HRESULT CComponentBase::get_Id(std::int32_t* value) {
 
 HRESULT CComponentBase::put_Id(std::int32_t value) {
   id_ = value;
-  changed_ = true;
   return S_OK;
 }
 
@@ -72,11 +71,6 @@ HRESULT CComponentBase::Close() {
 HRESULT CComponentBase::get_ComponentName(BString* value) {
   *value = name_;
   return S_OK;
-}
-
-void CComponentBase::setName(const BString& name) {
-  name_ = name;
-  changed_ = true;
 }
 
 HRESULT CComponentBase::AddSource(IComponent* source) {
@@ -185,6 +179,12 @@ HRESULT CComponentBase::OnDeletedConfiguration(IConfiguration* old) {
 
 // Persistence
 
+void CComponentBase::rememberStored() {
+  changed_ = false;
+  storedName_ = name_;
+  storedId_ = id_;
+}
+
 void CComponentBase::keep(IStorage* storage) {
   if (storage_) throw StatusError(E_FAIL);
   storage_ = Ref<IStorage>(storage);
@@ -192,7 +192,7 @@ void CComponentBase::keep(IStorage* storage) {
 
 HRESULT CComponentBase::IsDirty() {
   return guard([&] {
-    const bool dirty = changed_ || contentsDirty() ||
+    const bool dirty = changed_ || name_ != storedName_ || id_ != storedId_ || contentsDirty() ||
                        std::any_of(settings_.begin(), settings_.end(),
                                    [](const auto& entry) { return recordDirty(entry.second.get()); });
     return dirty ? S_OK : S_FALSE;
@@ -233,7 +233,7 @@ HRESULT CComponentBase::Load(IStorage* storage) {
     if (succeeded(storage->OpenStream(kSettingsStream, STGM_READ | STGM_SHARE_EXCLUSIVE, &stream))) {
       loadSettings(*stream);
     }
-    changed_ = false;
+    rememberStored();
   });
 }
 
@@ -291,7 +291,7 @@ HRESULT CComponentBase::Save(IStorage* storage, bool) {
 
 HRESULT CComponentBase::SaveCompleted(IStorage* storage) {
   if (storage) storage_ = Ref<IStorage>(storage);
-  changed_ = false;
+  rememberStored();
   return guard([&] { contentsSaved(); });
 }
 

@@ -93,7 +93,7 @@ class CComponentBase : public CBuilderInputOutput,
   IServiceLookup* outputServices() const override { return services_.get(); }
 
   const BString& name() const { return name_; }
-  void setName(const BString& name);
+  void setName(const BString& name) { name_ = name; }
   std::int32_t id() const { return id_; }
   void setId(std::int32_t id) { id_ = id; }
   void markChanged() { changed_ = true; }
@@ -108,6 +108,7 @@ class CComponentBase : public CBuilderInputOutput,
   SettingsMap& inForce() { return transaction_ ? working_ : settings_; }
   void put(IConfiguration* configuration, Ref<IUnknown> settings);
   void keep(IStorage* storage);
+  void rememberStored();
   void loadSettings(IStream& stream);
   void saveSettings(IStream& stream);
 
@@ -120,7 +121,9 @@ class CComponentBase : public CBuilderInputOutput,
   SettingsMap working_;  // between BeforeSettings and AfterSettings
   bool transaction_ = false;
   Ref<IStorage> storage_;
-  bool changed_ = false;
+  bool changed_ = false;  // by more than the two below
+  BString storedName_;    // what the file holds
+  std::int32_t storedId_ = 0;
 };
 
 }  // namespace forgeyard
