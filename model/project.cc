@@ -2,6 +2,7 @@
 
 #include "engine/modal_scope.h"
 #include "model/components.h"
+#include "model/configuration_dialogs.h"
 #include "model/configurations.h"
 #include "model/external_dependencies.h"
 #include "model/file_insertion.h"
@@ -196,6 +197,13 @@ HRESULT CProject::put_ActiveConfiguration(IConfiguration* value) {
     contentsChanged(kProjectActiveConfiguration);
     forgetConfigurationMenu();
     return S_OK;
+  });
+}
+
+HRESULT CProject::ManageConfigurations() {
+  return guard([&] {
+    const auto configurations = make<CConfigurations>(Ref<CProject>(this));
+    runDialog(services_.get(), *make<ManageConfigurationsDialog>(configurations.get(), services_.get()));
   });
 }
 

@@ -29,6 +29,7 @@ void TestHost::clear() {
   services_.clear();
   registered_.clear();
   dialogs_.clear();
+  modalUsers_.clear();
   activeView_ = nullptr;
 }
 
@@ -81,6 +82,22 @@ HRESULT TestHost::ChooseFile(const BString& title, const BString&, const BString
   dialogTitles_.push_back(title.narrow());
   *ok = !chosenFile_.isNull();
   *path = std::exchange(chosenFile_, BString());
+  return S_OK;
+}
+
+HRESULT TestHost::RunModal(IDialogModel* dialog) {
+  BString title;
+  if (const HRESULT status = dialog->get_Title(&title); failed(status)) return status;
+  dialogTitles_.push_back(title.narrow());
+  if (modalUsers_.empty()) {
+    std::span<const DialogControl> controls;
+    bool ended = false;
+    const HRESULT status = dialog->GetControls(&controls);
+    return failed(status) ? status : dialog->Press(controls.size() - 1, &ended);
+  }
+  const ModalUser use = std::move(modalUsers_.front());
+  modalUsers_.pop_front();
+  use(*dialog);
   return S_OK;
 }
 

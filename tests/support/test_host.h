@@ -11,6 +11,7 @@
 #include "platform/com/object.h"
 #include "platform/com/type_info.h"
 #include "typelib/builder.h"
+#include "typelib/dialog.h"
 #include "typelib/host.h"
 
 namespace forgeyard::test {
@@ -30,9 +31,10 @@ struct ShownMessage {
 // Owned by reference like any object: `const auto host = make<TestHost>();`. Break cycles (OnClose, clear())
 // before the end of the test.
 class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterface, IOutputWindow,
-                                        IOutputLines, ISourceManager, ICommandHost> {
+                                        IOutputLines, ISourceManager, ICommandHost, IDialogHost> {
  public:
   using Dialog = std::function<bool(std::span<DialogField>)>;
+  using ModalUser = std::function<void(IDialogModel&)>;
 
   // Script and record
 
@@ -40,6 +42,8 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   void answer(MessageAnswer next) { answers_.push_back(next); }
   // The next dialog is filled in by the function, which says whether OK was pressed.
   void fillDialog(Dialog next) { dialogs_.push_back(std::move(next)); }
+  // The next modal dialog is used by the function; without one it is left with its last button.
+  void useDialog(ModalUser next) { modalUsers_.push_back(std::move(next)); }
   const std::vector<ShownMessage>& messages() const { return messages_; }
   // The file that the next file dialog gives; without one it is cancelled.
   void chooseFile(const BString& path) { chosenFile_ = path; }
@@ -79,6 +83,8 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   HRESULT ChooseFile(const BString& title, const BString& filter, const BString& extension, BString* path,
                      bool* ok) override;
 
+  HRESULT RunModal(IDialogModel* dialog) override;
+
   HRESULT OpenTab(const BString& tab, std::int32_t* value, std::int32_t create) override;
   HRESULT ShowTab(const BString& tab) override;
   HRESULT AddLine(const BString& tab, const BString& text) override;
@@ -93,6 +99,7 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
  private:
   std::deque<MessageAnswer> answers_;
   std::deque<Dialog> dialogs_;
+  std::deque<ModalUser> modalUsers_;
   std::vector<ShownMessage> messages_;
   std::vector<std::string> dialogTitles_;
   BString chosenFile_;
