@@ -1,0 +1,180 @@
+#include "hosts/console/build_run.h"
+
+#include <unistd.h>
+
+#include <cstring>
+
+#include "hosts/console/components.h"
+#include "hosts/console/configurations.h"
+#include "hosts/console/report.h"
+#include "hosts/console/stop_signals.h"
+#include "hosts/console/tool_processes.h"
+#include "platform/com/connection_point.h"
+#include "platform/storage/persist.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+// Lets the main loop end behind the run's last lines, which come after the event.
+class EndOfRun final : public ComObject<IBuildToolE> {
+ public:
+  explicit EndOfRun(Apartment& apartment) : apartment_(apartment) {}
+
+  bool started() const { return started_; }
+
+  HRESULT OnBuildStart(e_task, std::int32_t*) override {
+    started_ = true;
+    return S_OK;
+  }
+  HRESULT OnBuildEnd() override {
+    return guard([&] { apartment_.post([&apartment = apartment_] { apartment.quit(); }); });
+  }
+
+ private:
+  Apartment& apartment_;
+  bool started_ = false;
+};
+
+// Answers the user's wishes to stop, each one more urgently.
+class Stopper {
+ public:
+  explicit Stopper(Session& session) : session_(session) {
+    session_.output().setInterrupt(&signals_);
+    session_.loop().watch(&signals_, [this] { taken(); });
+  }
+  Stopper(const Stopper&) = delete;
+  Stopper& operator=(const Stopper&) = delete;
+  ~Stopper() {
+    session_.loop().watch(nullptr, nullptr);
+    // Posted answers must not outlive this object.
+    static_cast<void>(session_.apartment().pumpPending());
+    session_.output().setInterrupt(nullptr);
+  }
+
+  bool wasAsked() const { return count_ > 0; }
+  // Runs the module's own command; it is disabled, and does nothing, when no run is on.
+  void stopRun() {
+    const Ref<IUseCommands> commands = query<IUseCommands>(&session_.tool());
+    if (commands) ignore(guard([&] { static_cast<void>(runCommand(*commands, u"ProjectStopBuild")); }));
+  }
+
+ private:
+  // Inside of the loop's wait: the work is left to a call.
+  void taken() {
+    while (signals_.take()) session_.apartment().post([this] { answer(); });
+  }
+  void answer() {
+    switch (++count_) {
+      case 1:
+        if (!session_.options().quiet) complain("Stopping. Once more ends the tools at once.");
+        return stopRun();
+      case 2:
+        return killTools();
+      default:
+        session_.output().flush();
+        ::_exit(static_cast<int>(ExitCode::Stopped));
+    }
+  }
+
+  Session& session_;
+  StopSignals signals_;
+  int count_ = 0;
+};
+
+// Makes another configuration active for its life time.
+class ActiveFor {
+ public:
+  ActiveFor(IProject& project, const Ref<IConfiguration>& configuration) : project_(project) {
+    check(project_.get_ActiveConfiguration(&before_));
+    if (before_ != configuration) check(project_.put_ActiveConfiguration(configuration.get()));
+  }
+  ActiveFor(const ActiveFor&) = delete;
+  ActiveFor& operator=(const ActiveFor&) = delete;
+  ~ActiveFor() {
+    Ref<IConfiguration> now;
+    ignore(project_.get_ActiveConfiguration(&now));
+    if (before_ && before_ != now) ignore(project_.put_ActiveConfiguration(before_.get()));
+  }
+
+ private:
+  IProject& project_;
+  Ref<IConfiguration> before_;
+};
+
+bool hasLearnt(IProject& project) {
+  for (const auto& configuration : configurationsOf(project)) {
+    const Ref<IPersistStream> persist = configuration.as<IPersistStream>();
+    if (persist && persist->IsDirty() == S_OK) return true;
+  }
+  for (const Component& component : componentsOf(project)) {
+    const Ref<IPersistStorage> persist = component.object.as<IPersistStorage>();
+    if (persist && persist->IsDirty() == S_OK) return true;
+  }
+  return false;
+}
+
+void startRun(Session& session, std::u16string_view name) {
+  const Ref<IUseCommands> commands = query<IUseCommands>(&session.tool());
+  if (!commands) throw Failure("The module has no commands.");
+  CommandOutcome outcome = CommandOutcome::Unknown;
+  require(guard([&] { outcome = runCommand(*commands, name); }), "The build can't be started");
+  const std::string what = BString(name).narrow();
+  if (outcome == CommandOutcome::Unknown) throw Failure("The module has no command " + what + ".");
+  if (outcome == CommandOutcome::Disabled) throw Failure("The command " + what + " can't be run now.");
+}
+
+ExitCode lastResult(Session& session) {
+  e_btr result = E_BTR_ERROR;
+  const Ref<IBuildRunResult> run = query<IBuildRunResult>(&session.tool());
+  if (!run) throw Failure("The module does not tell how the build ended.");
+  check(run->get_LastResult(&result));
+  if (result == E_BTR_STOPPED) return ExitCode::Stopped;
+  return result == E_BTR_COMPLETED ? ExitCode::Success : ExitCode::BuildErrors;
+}
+
+// Serves the run until it is over. Standard output that breaks stops it.
+void serveRun(Session& session, Stopper& stopper) {
+  session.loop().setOnOutputLost([&] { session.apartment().post([&] { stopper.stopRun(); }); });
+  session.apartment().run();
+  session.loop().setOnOutputLost(nullptr);
+}
+
+ExitCode runToEnd(Session& session, std::u16string_view command) {
+  Stopper stopper(session);
+  const auto end = make<EndOfRun>(session.apartment());
+  Advice advice;
+  check(advice.connect<IBuildToolE>(&session.tool(), end.get()));
+  try {
+    startRun(session, command);
+  } catch (const Failure&) {
+    stopper.stopRun();
+    throw;
+  }
+  if (!end->started()) throw Failure("The build was not started.");
+  serveRun(session, stopper);
+  session.waitForThreads();
+  const ExitCode result = lastResult(session);
+  return stopper.wasAsked() ? ExitCode::Stopped : result;
+}
+
+void storeWhatWasLearnt(OpenProject& project) {
+  if (!hasLearnt(project.project())) return;
+  if (project.isIncomplete())
+    return complain(project.file().host + " is damaged; what the build learnt is not stored.");
+  project.save();
+}
+
+}  // namespace
+
+ExitCode runBuild(OpenProject& project, std::u16string_view command) {
+  ExitCode result = ExitCode::Failure;
+  {
+    const ActiveFor active(project.project(), project.configuration());
+    result = runToEnd(project.session(), command);
+  }
+  storeWhatWasLearnt(project);
+  return project.session().finish(result);
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,240 @@
+#include "hosts/console/cli.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <functional>
+#include <map>
+
+#include "hosts/console/commands/all_commands.h"
+#include "hosts/console/nearest.h"
+#include "hosts/console/report.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+constexpr const char* kFooter =
+    "\nEvery option above may stand before or behind the command.\n"
+    "Exit codes: 0 success; 1 the build ended with errors; 2 wrong usage, or a file that can't be read or\n"
+    "written; 130 stopped.";
+constexpr const char* kShortFooter = "\nAlso: -p FILE, -c CONFIGURATION, -y, -q, -v; see forgeyard --help.";
+
+// The parser takes "[a,b]" for a list and "--name=" for an option whose value follows. Neither is meant here.
+constexpr char kGuard = '\x01';
+
+std::vector<std::string> guardedArguments(int argc, char** argv) {
+  std::vector<std::string> arguments;
+  bool onlyOperands = false;
+  for (int i = 1; i < argc; ++i) {
+    std::string argument = argv[i];
+    onlyOperands = onlyOperands || argument == "--";
+    if (argument.starts_with('[')) argument.insert(argument.begin(), kGuard);
+    const bool emptyValue = !onlyOperands && argument.starts_with("--") && argument.ends_with('=');
+    if (emptyValue) argument.pop_back();
+    arguments.push_back(std::move(argument));
+    if (emptyValue) arguments.emplace_back();
+  }
+  return arguments;
+}
+
+std::string unguarded(const std::string& argument) {
+  return argument.starts_with(kGuard) ? argument.substr(1) : argument;
+}
+
+std::string firstWord(std::string_view name) {
+  return std::string(name.substr(0, name.find(' ')));
+}
+std::string lastWord(std::string_view name) {
+  return std::string(name.substr(name.rfind(' ') + 1));
+}
+bool hasGroup(std::string_view name) {
+  return name.find(' ') != name.npos;
+}
+
+// The parser as the tables describe it, and which rows its parts stand for.
+class CommandLine {
+ public:
+  explicit CommandLine(Options& options);
+
+  // Throws CLI::ParseError.
+  void parse(std::vector<std::string> arguments);
+  int report(const CLI::ParseError& error) { return app_.exit(error); }
+  // What was asked for.
+  const Command& command() const { return *chosen_->command; }
+  Invocation invocation(const Options& options) const;
+
+ private:
+  struct Leaf {
+    const Command* command;
+    CLI::App* app;
+    std::vector<CLI::Option*> parameters;
+  };
+
+  void addGlobalOptions(Options& options);
+  void addCommand(const Command& command);
+  CLI::App& parentFor(const Command& command);
+  static CLI::Option* addParameter(CLI::App& app, const Parameter& parameter);
+
+  CLI::App app_{"Builds projects of source files, tools and what joins them.", "forgeyard"};
+  std::map<std::string, CLI::App*, std::less<>> groups_;
+  std::vector<Leaf> leaves_;
+  const Leaf* chosen_ = nullptr;
+};
+
+CommandLine::CommandLine(Options& options) {
+  app_.set_version_flag("--version", std::string("forgeyard ") + FORGEYARD_VERSION, "Show the version");
+  app_.set_help_flag("-h,--help", "Show what there is; also behind a command");
+  app_.require_subcommand(1);
+  app_.footer(kFooter);
+  addGlobalOptions(options);
+  for (const Command* command : allCommands()) addCommand(*command);
+}
+
+void CommandLine::addGlobalOptions(Options& options) {
+  app_.add_option("-p,--project", options.project,
+                  "The project file; left out: the one of the current directory")
+      ->type_name("FILE");
+  app_.add_option("-c,--config", options.configuration,
+                  "The configuration to work on, for this call only; left out: the active one")
+      ->type_name("NAME");
+  app_.add_flag("-y,--yes", options.yes, "Answer questions with yes");
+  app_.add_flag("-q,--quiet", options.quiet,
+                "Show only errors; of a build what the tools print and what fails");
+  app_.add_flag("-v,--verbose", options.verbose, "Say more about what is going on");
+}
+
+CLI::App& CommandLine::parentFor(const Command& command) {
+  if (!hasGroup(command.name)) return app_;
+  const std::string word = firstWord(command.name);
+  if (const auto known = groups_.find(word); known != groups_.end()) return *known->second;
+  const auto groups = commandGroups();
+  const auto group =
+      std::find_if(groups.begin(), groups.end(), [&](const auto& row) { return row.name == word; });
+  CLI::App* made = app_.add_subcommand(word, group == groups.end() ? "" : group->help);
+  made->require_subcommand(1)->fallthrough()->footer(kShortFooter);
+  groups_.emplace(word, made);
+  return *made;
+}
+
+CLI::Option* CommandLine::addParameter(CLI::App& app, const Parameter& parameter) {
+  const CLI::callback_t keep = [](const CLI::results_t&) { return true; };
+  if (parameter.kind == Kind::Flag) return app.add_flag(parameter.name, parameter.help);
+  CLI::Option* option = app.add_option(parameter.name, keep, parameter.help);
+  option->type_name(parameter.kind == Kind::Option ? parameter.value : "");
+  if (parameter.kind == Kind::Texts) option->expected(-1);
+  option->required(parameter.kind == Kind::Text || parameter.kind == Kind::Texts);
+  return option;
+}
+
+void CommandLine::addCommand(const Command& command) {
+  CLI::App* app = parentFor(command).add_subcommand(lastWord(command.name), command.help);
+  app->fallthrough()->footer(kShortFooter);
+  Leaf leaf{&command, app, {}};
+  for (const Parameter& parameter : command.parameters) {
+    if (parameter.kind != Kind::None) leaf.parameters.push_back(addParameter(*app, parameter));
+  }
+  leaves_.push_back(std::move(leaf));
+}
+
+void CommandLine::parse(std::vector<std::string> arguments) {
+  std::reverse(arguments.begin(), arguments.end());
+  app_.parse(std::move(arguments));
+  for (const Leaf& leaf : leaves_) {
+    if (leaf.app->parsed()) chosen_ = &leaf;
+  }
+}
+
+Invocation CommandLine::invocation(const Options& options) const {
+  Invocation invocation(options);
+  std::size_t next = 0;
+  for (const Parameter& parameter : chosen_->command->parameters) {
+    if (parameter.kind == Kind::None) continue;
+    for (const std::string& value : chosen_->parameters[next]->results())
+      invocation.add(parameter.name, unguarded(value));
+    ++next;
+  }
+  return invocation;
+}
+
+// The words that are no options: the command, as far as it can be told from a line that doesn't parse.
+std::vector<std::string> words(const std::vector<std::string>& arguments) {
+  std::vector<std::string> result;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    if (argument == "-p" || argument == "--project" || argument == "-c" || argument == "--config") {
+      ++i;
+    } else if (!argument.starts_with('-')) {
+      result.push_back(argument);
+    }
+  }
+  return result;
+}
+
+void addOnce(std::vector<std::string>& names, const std::string& name) {
+  if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+}
+
+// What is wrong with the command's own words; empty if that is not the fault.
+std::string wrongCommand(const std::vector<std::string>& arguments) {
+  const std::vector<std::string> given = words(arguments);
+  if (given.empty()) return "What is to be done? forgeyard --help shows the commands.";
+  std::vector<std::string> firsts;
+  std::vector<std::string> seconds;
+  for (const Command* command : allCommands()) {
+    addOnce(firsts, firstWord(command->name));
+    if (hasGroup(command->name) && firstWord(command->name) == given[0])
+      seconds.push_back(lastWord(command->name));
+  }
+  if (std::find(firsts.begin(), firsts.end(), given[0]) == firsts.end()) {
+    const auto near = nearest(given[0], firsts);
+    return "There is no command " + given[0] + "." +
+           (near ? " Did you mean " + *near + "?" : " forgeyard --help shows the commands.");
+  }
+  if (seconds.empty()) return "";
+  if (given.size() == 1)
+    return "What about the " + given[0] + "? There is " + given[0] + " " + enumeration(seconds) + ".";
+  if (std::find(seconds.begin(), seconds.end(), given[1]) != seconds.end()) return "";
+  return "There is no command " + given[0] + " " + given[1] + "." + suggestion(given[1], seconds, "commands");
+}
+
+int usageError(const std::vector<std::string>& arguments, const CLI::ParseError& error) {
+  std::string message = wrongCommand(arguments);
+  if (message.empty()) message = std::string(error.what()) + ". Try the same with --help.";
+  complain(message);
+  return static_cast<int>(ExitCode::Failure);
+}
+
+ExitCode runGuarded(const Command& command, const Invocation& invocation) {
+  try {
+    return command.run(invocation);
+  } catch (const Failure& failure) {
+    complain(failure.what());
+  } catch (const StatusError& error) {
+    complain("The module refused: " + describe(error.status()) + ".");
+  } catch (const std::exception& error) {
+    complain(error.what());
+  }
+  return ExitCode::Failure;
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+  const std::vector<std::string> arguments = guardedArguments(argc, argv);
+  Options options;
+  CommandLine line(options);
+  try {
+    line.parse(arguments);
+  } catch (const CLI::Success& wish) {
+    return line.report(wish);
+  } catch (const CLI::ParseError& error) {
+    return usageError(arguments, error);
+  }
+  options.project = unguarded(options.project);
+  options.configuration = unguarded(options.configuration);
+  return static_cast<int>(runGuarded(line.command(), line.invocation(options)));
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,31 @@
+#include "hosts/console/commands/all_commands.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+constexpr std::array kGroups{
+    CommandGroup{"folder", "Folders of source files"},
+    CommandGroup{"component", "The components of the project"},
+    CommandGroup{"file", "The source files of the project"},
+    CommandGroup{"config", "The configurations of the project"},
+    CommandGroup{"target", "The tool chains that this user's builds can use"},
+};
+
+}  // namespace
+
+std::vector<const Command*> allCommands() {
+  std::vector<const Command*> all;
+  for (const auto& family :
+       {projectCommands(), componentCommands(), connectionCommands(), fileCommands(), configurationCommands(),
+        propertyCommands(), targetCommands(), buildCommands()}) {
+    for (const Command& command : family) all.push_back(&command);
+  }
+  return all;
+}
+
+std::span<const CommandGroup> commandGroups() {
+  return kGroups;
+}
+
+}  // namespace forgeyard::console

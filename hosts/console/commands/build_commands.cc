@@ -1,0 +1,93 @@
+// build, rebuild, clean, compile and stop.
+
+#include <unistd.h>
+
+#include "hosts/console/build_run.h"
+#include "hosts/console/commands/command.h"
+#include "hosts/console/open_project.h"
+#include "hosts/console/source_files.h"
+#include "platform/threads/named_event.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+ExitCode run(const Invocation& invocation, std::u16string_view command) {
+  Session session(invocation.options());
+  OpenProject project(session);
+  return runBuild(project, command);
+}
+
+ExitCode build(const Invocation& invocation) {
+  return run(invocation, u"ProjectBuild");
+}
+ExitCode rebuild(const Invocation& invocation) {
+  return run(invocation, u"ProjectRebuild");
+}
+ExitCode clean(const Invocation& invocation) {
+  return run(invocation, u"ProjectClean");
+}
+
+// The files of a command line in the place of those that are selected in a window.
+class FileSelection final : public ComObject<ISelection> {
+ public:
+  explicit FileSelection(std::vector<Ref<IUnknown>> files) : files_(std::move(files)) {}
+
+  HRESULT GetSelection(Ref<IEnumUnknown>* out) override {
+    return guard([&] { *out = make<ListEnumerator<IEnumUnknown>>(files_); });
+  }
+
+ private:
+  std::vector<Ref<IUnknown>> files_;
+};
+
+std::vector<Ref<IUnknown>> filesNamed(IProject& project, const std::vector<std::string>& given) {
+  const ProjectPaths paths(project);
+  std::vector<Ref<IUnknown>> files;
+  for (const std::string& path : given) {
+    Ref<ISourceFile> file;
+    check(project.FindFileInProject(paths.toProject(path), &file));
+    if (!file) throw unknownFile(path, foldersOf(project), paths);
+    files.emplace_back(file);
+  }
+  return files;
+}
+
+ExitCode compile(const Invocation& invocation) {
+  Session session(invocation.options());
+  OpenProject project(session);
+  const auto selection = make<FileSelection>(filesNamed(project.project(), invocation.texts("PATH")));
+  session.host().frame().setActiveView(selection.get());
+  return runBuild(project, u"ProjectCompile");
+}
+
+ExitCode stop(const Invocation& invocation) {
+  LineWriter out(STDOUT_FILENO);
+  if (const auto event = NamedEvent::open(STOP_EVENT)) {
+    event->set();
+  } else if (!invocation.options().quiet) {
+    out.line(std::string_view("No build of yours is running."));
+  }
+  return finishOutput(out, ExitCode::Success);
+}
+
+constexpr std::array kCommands{
+    Command{"build", "Run what is out of date", {}, build},
+    Command{"rebuild", "Run everything", {}, rebuild},
+    Command{"clean", "Delete what the tools have made", {}, clean},
+    Command{"compile",
+            "Run the components for these source files alone, out of date or not",
+            {{{Kind::Texts, "PATH", "", "source files of the project"}}},
+            compile},
+    Command{"stop", "Stop every build of yours, whatever started it", {}, stop},
+};
+
+}  // namespace
+
+std::span<const Command> buildCommands() {
+  return kCommands;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "hosts/console/failure.h"
+#include "hosts/console/options.h"
+
+namespace forgeyard::console {
+
+// What a command takes behind its name. Help, usage errors and the parser all come from these rows.
+struct Parameter {
+  enum class Kind : std::uint8_t {
+    None,
+    Text,          // one argument
+    OptionalText,  // one or none
+    Texts,         // one or more
+    Option,        // "--name VALUE"
+    Flag,          // "--name"
+  };
+
+  Kind kind = Kind::None;
+  const char* name = "";   // "FILE", or "--folder"
+  const char* value = "";  // of an option: "NAME"
+  const char* help = "";
+};
+
+// What the user gave a command, by the names of its parameters.
+class Invocation {
+ public:
+  explicit Invocation(const Options& options) : options_(&options) {}
+
+  const Options& options() const { return *options_; }
+  bool has(std::string_view parameter) const { return values_.contains(parameter); }
+  // Empty when it was not given.
+  const std::string& text(std::string_view parameter) const;
+  const std::vector<std::string>& texts(std::string_view parameter) const;
+
+  void add(std::string_view parameter, std::string value) {
+    values_[std::string(parameter)].push_back(std::move(value));
+  }
+
+ private:
+  const Options* options_;
+  std::map<std::string, std::vector<std::string>, std::less<>> values_;
+};
+
+struct Command {
+  const char* name;  // one or two words: "build", "folder add"
+  const char* help;
+  std::array<Parameter, 4> parameters;
+  // Throws a Failure.
+  ExitCode (*run)(const Invocation&);
+};
+
+// The first words of commands with two, with what they are about.
+struct CommandGroup {
+  const char* name;
+  const char* help;
+};
+
+// Each family of commands is one file in this directory.
+std::span<const Command> projectCommands();
+std::span<const Command> componentCommands();
+std::span<const Command> connectionCommands();
+std::span<const Command> fileCommands();
+std::span<const Command> configurationCommands();
+std::span<const Command> propertyCommands();
+std::span<const Command> targetCommands();
+std::span<const Command> buildCommands();
+
+}  // namespace forgeyard::console

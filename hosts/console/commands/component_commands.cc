@@ -1,0 +1,140 @@
+// folder add, component add, list and remove.
+
+#include <algorithm>
+
+#include "hosts/console/commands/command.h"
+#include "hosts/console/components.h"
+#include "hosts/console/nearest.h"
+#include "hosts/console/open_project.h"
+#include "platform/com/class_table.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+// Makes the component the way that a user does: the module asks in a dialog, which gets these answers.
+void addComponent(OpenProject& project, const ComponentKind& kind, std::vector<BString> answers) {
+  const Ref<IDispatch> component = createInstance<IDispatch>(kind.clsid);
+  if (!component) throw Failure(std::string("The module has no components of the kind ") + kind.name + ".");
+  Ref<IComponents> components;
+  check(project.project().get_Components(&components));
+  std::int32_t before = 0;
+  std::int32_t after = 0;
+  check(components->get_Count(&before));
+  project.session().host().frame().fillNextDialog(std::move(answers));
+  require(components->New(component.get()), std::string("The ") + kind.name + " component can't be made");
+  check(components->get_Count(&after));
+  if (after != before + 1) throw Failure(std::string("The ") + kind.name + " component was not made.");
+  project.save();
+}
+
+const ComponentKind& toolKind(const std::string& name) {
+  std::vector<std::string> names;
+  for (const ComponentKind& kind : componentKinds()) {
+    if (kind.name == FOLDER_KIND) continue;
+    if (kind.name == name) return kind;
+    names.emplace_back(kind.name);
+  }
+  if (name == FOLDER_KIND) throw Failure("A folder is made with: forgeyard folder add NAME");
+  throw Failure("There is no kind of component " + name + "." + suggestion(name, names, "kinds"));
+}
+
+ExitCode addFolder(const Invocation& invocation) {
+  Session session(invocation.options());
+  OpenProject project(session);
+  const std::string& name = invocation.text("NAME");
+  requireFreeName(project.project(), name);
+  addComponent(project, componentKinds().front(),
+               {BString::fromNarrow(name), BString::fromNarrow(invocation.text("--filter"))});
+  return ExitCode::Success;
+}
+
+ExitCode addTool(const Invocation& invocation) {
+  const ComponentKind& kind = toolKind(invocation.text("KIND"));
+  Session session(invocation.options());
+  OpenProject project(session);
+  const std::string& name = invocation.text("NAME");
+  requireFreeName(project.project(), name);
+  addComponent(project, kind, {BString::fromNarrow(name)});
+  return ExitCode::Success;
+}
+
+std::string sinksOf(const Component& component, const std::vector<Component>& all,
+                    const std::vector<Ref<IConnection>>& connections) {
+  std::vector<std::string> names;
+  for (const auto& connection : connections) {
+    Ref<IComponent> from;
+    Ref<IComponent> to;
+    check(connection->get_From(&from));
+    check(connection->get_To(&to));
+    if (!sameObject(from.get(), component.object.get())) continue;
+    const auto sink = std::find_if(all.begin(), all.end(), [&](const Component& candidate) {
+      return sameObject(candidate.object.get(), to.get());
+    });
+    if (sink != all.end()) names.push_back(sink->name);
+  }
+  return names.empty() ? "" : " -> " + enumeration(names);
+}
+
+void pad(std::string& text, std::size_t width) {
+  if (text.size() < width) text.resize(width, ' ');
+}
+
+ExitCode listComponents(const Invocation& invocation) {
+  Session session(invocation.options());
+  const OpenProject project(session);
+  const std::vector<Component> all = componentsOf(project.project());
+  const std::vector<Ref<IConnection>> connections = connectionsOf(project.project());
+  for (const Component& component : all) {
+    std::string line = "#" + std::to_string(component.id);
+    pad(line, 5);
+    line += component.kindName();
+    pad(line, 13);
+    session.output().line(line + component.name + sinksOf(component, all, connections));
+  }
+  return session.finish();
+}
+
+ExitCode removeComponent(const Invocation& invocation) {
+  Session session(invocation.options());
+  OpenProject project(session);
+  const Component component = findComponent(project.project(), invocation.text("NAME"));
+  const std::size_t before = componentsOf(project.project()).size();
+  require(project.project().DeleteComponent(component.object.get()), component.name + " can't be removed");
+  if (componentsOf(project.project()).size() == before) {
+    // The user said no; so does a question that nobody could answer, and that is no success.
+    return session.host().frame().refusedForWantOfTerminal() ? ExitCode::Failure : ExitCode::Success;
+  }
+  project.save();
+  return ExitCode::Success;
+}
+
+constexpr const char* kNameHelp = "its name, or \"#ID\" as \"component list\" shows it";
+
+constexpr std::array kCommands{
+    Command{"folder add",
+            "Make a folder for source files",
+            {{{Kind::Text, "NAME", "", "its name, unlike that of any other component"},
+              {Kind::Option, "--filter", "LIST", "extensions of the files that belong here: \"c;h\""}}},
+            addFolder},
+    Command{"component add",
+            "Make a component that runs a tool",
+            {{{Kind::Text, "KIND", "", "cmdline (a command of your own), cc (compiler), asm or linker"},
+              {Kind::Text, "NAME", "", "its name, unlike that of any other component"}}},
+            addTool},
+    Command{"component list", "Show the components and what each one feeds", {}, listComponents},
+    Command{"component remove",
+            "Remove a component and its connections; asks first",
+            {{{Kind::Text, "NAME", "", kNameHelp}}},
+            removeComponent},
+};
+
+}  // namespace
+
+std::span<const Command> componentCommands() {
+  return kCommands;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,170 @@
+// config add, list, use, remove and set.
+
+#include "hosts/console/commands/command.h"
+#include "hosts/console/configurations.h"
+#include "hosts/console/nearest.h"
+#include "hosts/console/open_project.h"
+#include "hosts/console/properties.h"
+#include "hosts/console/report.h"
+#include "hosts/console/targets.h"
+#include "platform/text/fold.h"
+#include "typelib/cookies.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+constexpr const char* kTarget = "Target";
+constexpr const char* kName = "Name";
+
+Ref<IConfigurations> configurationList(IProject& project) {
+  Ref<IConfigurations> configurations;
+  check(project.get_Configurations(&configurations));
+  return configurations;
+}
+
+void requireFreeName(IProject& project, const std::string& name, IConfiguration* except = nullptr) {
+  if (name.empty()) throw Failure("A configuration needs a name.");
+  for (const auto& configuration : configurationsOf(project)) {
+    if (configuration.get() != except && nameOf(*configuration) == name)
+      throw Failure("A configuration already exists with that name: " + name + ".");
+  }
+}
+
+// Which configuration is meant stands in the command itself.
+void refuseOption(const Invocation& invocation) {
+  if (!invocation.options().configuration.empty())
+    throw Failure("-c chooses a configuration for a call that works on one; here it says nothing.");
+}
+
+ExitCode addConfiguration(const Invocation& invocation) {
+  refuseOption(invocation);
+  Session session(invocation.options());
+  OpenProject project(session);
+  const std::string& name = invocation.text("NAME");
+  requireFreeName(project.project(), name);
+  Ref<IConfiguration> base;
+  if (invocation.has("--from")) base = findConfiguration(project.project(), invocation.text("--from"));
+  Ref<IConfiguration> made;
+  require(configurationList(project.project())->New(BString::fromNarrow(name), base.get(), &made),
+          "The configuration " + name + " can't be made");
+  project.save();
+  return ExitCode::Success;
+}
+
+ExitCode listConfigurations(const Invocation& invocation) {
+  refuseOption(invocation);
+  Session session(invocation.options());
+  const OpenProject project(session);
+  Ref<IConfiguration> active;
+  check(project.project().get_ActiveConfiguration(&active));
+  for (const auto& configuration : configurationsOf(project.project())) {
+    std::string line = (configuration == active ? "* " : "  ") + nameOf(*configuration);
+    line += std::string("  ") + kTarget + "=" + targetOf(*configuration);
+    for (const char* property : {"OutputDirectory", "IntermediateDirectory", "UpdateFileDependencies"})
+      line += std::string("  ") + property + "=" + readProperty(*configuration, property);
+    session.output().line(line);
+  }
+  return session.finish();
+}
+
+ExitCode useConfiguration(const Invocation& invocation) {
+  refuseOption(invocation);
+  Session session(invocation.options());
+  OpenProject project(session);
+  const auto chosen = findConfiguration(project.project(), invocation.text("NAME"));
+  const HRESULT status = project.project().put_ActiveConfiguration(chosen.get());
+  require(status, nameOf(*chosen) + " can't be made active");
+  if (status == S_OK) project.save();
+  return ExitCode::Success;
+}
+
+ExitCode removeConfiguration(const Invocation& invocation) {
+  refuseOption(invocation);
+  Session session(invocation.options());
+  OpenProject project(session);
+  const auto chosen = findConfiguration(project.project(), invocation.text("NAME"));
+  if (configurationsOf(project.project()).size() == 1)
+    throw Failure(nameOf(*chosen) + " is the only configuration; a project keeps at least one.");
+  require(configurationList(project.project())->Delete(chosen.get()), nameOf(*chosen) + " can't be removed");
+  project.save();
+  return ExitCode::Success;
+}
+
+void warnOfUnknownTarget(const Registry& registry, const std::string& target) {
+  std::vector<std::string> names;
+  for (const Target& known : registeredTargets(registry)) {
+    if (known.name == target) return;
+    names.push_back(known.name);
+  }
+  if (!target.empty())
+    complain("The registry has no target " + target + " yet." + suggestion(target, names, "targets"));
+}
+
+void setTarget(OpenProject& project, IConfiguration& configuration, const std::string& target) {
+  warnOfUnknownTarget(project.session().registry(), target);
+  const Ref<IKVSupportCookies> cookies = query<IKVSupportCookies>(&configuration);
+  if (!cookies) throw Failure("This configuration keeps no target.");
+  require(cookies->put_Cookie(BString::fromNarrow(kTarget), BString::fromNarrow(target)), kTarget);
+}
+
+void setOne(OpenProject& project, IConfiguration& configuration, const Assignment& assignment) {
+  if (equalFoldedAscii(assignment.property, kTarget))
+    return setTarget(project, configuration, assignment.value);
+  if (!hasWritable(configuration, assignment.property)) {
+    std::vector<std::string> names = writableProperties(configuration);
+    names.emplace_back(kTarget);
+    throw Failure("A configuration has no property " + assignment.property + "." +
+                  suggestion(assignment.property, names, "properties"));
+  }
+  if (equalFoldedAscii(assignment.property, kName))
+    requireFreeName(project.project(), assignment.value, &configuration);
+  writeProperty(configuration, assignment.property, assignment.value);
+}
+
+ExitCode setProperties(const Invocation& invocation) {
+  const std::vector<Assignment> wanted = assignments(invocation.texts("PROPERTY=VALUE"));
+  Session session(invocation.options());
+  OpenProject project(session);
+  const Ref<IConfiguration> configuration = project.configuration();
+  require(configuration->BeforeSettings(), "The configuration's settings");
+  // A failure leaves all of it to the end of the session: nothing has been stored.
+  for (const Assignment& assignment : wanted) setOne(project, *configuration, assignment);
+  require(configuration->AfterSettings(1), "The configuration's settings");
+  project.save();
+  return ExitCode::Success;
+}
+
+constexpr std::array kCommands{
+    Command{
+        "config add",
+        "Make a configuration",
+        {{{Kind::Text, "NAME", "", "its name, unlike that of any other configuration"},
+          {Kind::Option, "--from", "NAME",
+           "the configuration whose directories, target and settings it gets; left out: default settings"}}},
+        addConfiguration},
+    Command{"config list", "Show the configurations; \"*\" marks the active one", {}, listConfigurations},
+    Command{"config use",
+            "Make a configuration the active one",
+            {{{Kind::Text, "NAME", "", "its name"}}},
+            useConfiguration},
+    Command{"config remove",
+            "Remove a configuration and its settings in all components",
+            {{{Kind::Text, "NAME", "", "its name"}}},
+            removeConfiguration},
+    Command{"config set",
+            "Change properties of the active configuration, or of -c",
+            {{{Kind::Texts, "PROPERTY=VALUE", "",
+               "OutputDirectory, IntermediateDirectory, Target, UpdateFileDependencies (0 or 1), Name"}}},
+            setProperties},
+};
+
+}  // namespace
+
+std::span<const Command> configurationCommands() {
+  return kCommands;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,83 @@
+// connect and disconnect.
+
+#include "hosts/console/commands/command.h"
+#include "hosts/console/components.h"
+#include "hosts/console/open_project.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+Ref<IConnection> connectionBetween(IProject& project, const Component& from, const Component& to) {
+  for (const auto& connection : connectionsOf(project)) {
+    Ref<IComponent> source;
+    Ref<IComponent> sink;
+    check(connection->get_From(&source));
+    check(connection->get_To(&sink));
+    if (sameObject(source.get(), from.object.get()) && sameObject(sink.get(), to.object.get()))
+      return connection;
+  }
+  return nullptr;
+}
+
+Ref<IConnections> connectionList(IProject& project) {
+  Ref<IConnections> connections;
+  check(project.get_Connections(&connections));
+  return connections;
+}
+
+ExitCode connect(const Invocation& invocation) {
+  Session session(invocation.options());
+  OpenProject project(session);
+  const Component from = findComponent(project.project(), invocation.text("FROM"));
+  const Component to = findComponent(project.project(), invocation.text("TO"));
+  if (from.id == to.id) throw Failure(from.name + " can't feed itself.");
+  if (connectionBetween(project.project(), from, to))
+    throw Failure(from.name + " is connected to " + to.name + " already.");
+  Ref<IConnection> made;
+  if (failed(connectionList(project.project())->New(from.object.get(), to.object.get(), &made))) {
+    throw Failure(from.name + " can't be connected to " + to.name +
+                  ": that would close a circle, or two ways that lead from " + to.name + " meet again.");
+  }
+  project.save();
+  return ExitCode::Success;
+}
+
+ExitCode disconnect(const Invocation& invocation) {
+  Session session(invocation.options());
+  OpenProject project(session);
+  const Component from = findComponent(project.project(), invocation.text("FROM"));
+  const Component to = findComponent(project.project(), invocation.text("TO"));
+  const Ref<IConnection> connection = connectionBetween(project.project(), from, to);
+  if (!connection) {
+    const bool turned = static_cast<bool>(connectionBetween(project.project(), to, from));
+    throw Failure(from.name + " is not connected to " + to.name + "." +
+                  (turned ? " The connection runs from " + to.name + " to " + from.name + "." : ""));
+  }
+  require(connectionList(project.project())->Delete(connection.get()), "The connection can't be removed");
+  project.save();
+  return ExitCode::Success;
+}
+
+constexpr std::array kCommands{
+    Command{"connect",
+            "Let the output of one component feed another",
+            {{{Kind::Text, "FROM", "", "the component that gives its files"},
+              {Kind::Text, "TO", "", "the component that takes them"}}},
+            connect},
+    Command{"disconnect",
+            "Take such a connection away",
+            {{{Kind::Text, "FROM", "", "the component that gives its files"},
+              {Kind::Text, "TO", "", "the component that takes them"}}},
+            disconnect},
+};
+
+}  // namespace
+
+std::span<const Command> connectionCommands() {
+  return kCommands;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,119 @@
+// target list, add, remove and detect: the tool chains of the registry.
+
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "hosts/console/commands/command.h"
+#include "hosts/console/first_start.h"
+#include "hosts/console/nearest.h"
+#include "hosts/console/services/line_writer.h"
+#include "hosts/console/session.h"
+#include "hosts/console/targets.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+// The registry as every command finds it: with what the first start enters.
+Registry preparedRegistry() {
+  Registry registry = openRegistry();
+  const Module module(registry);
+  prepareRegistry(registry, module);
+  return registry;
+}
+
+void change(const std::function<void(Registry&)>& work) {
+  const auto error = Registry::update(Registry::defaultFile(), work);
+  if (error) throw Failure(error->message);
+}
+
+std::string described(const std::string& commandLine, const std::string& adapters) {
+  if (commandLine.empty()) return "(none)";
+  const std::vector<std::string> missing = missingPrograms(commandLine, adapters);
+  return commandLine + (missing.empty() ? "" : "  [not found: " + enumeration(missing) + "]");
+}
+
+std::vector<std::string> namesOf(const std::vector<Target>& targets) {
+  std::vector<std::string> names;
+  for (const Target& target : targets) names.push_back(target.name);
+  return names;
+}
+
+ExitCode listTargets(const Invocation&) {
+  const Registry registry = preparedRegistry();
+  const std::string adapters = adapterDirectory(registry);
+  LineWriter out(STDOUT_FILENO);
+  for (const Target& target : registeredTargets(registry)) {
+    out.line(target.name);
+    out.line("  compiler:  " + described(target.compiler, adapters));
+    out.line("  assembler: " + described(target.assembler, adapters));
+  }
+  return finishOutput(out, ExitCode::Success);
+}
+
+ExitCode addTarget(const Invocation& invocation) {
+  const Target target{invocation.text("NAME"), invocation.text("--compiler"), invocation.text("--assembler")};
+  if (target.name.empty()) throw Failure("A target needs a name.");
+  const std::vector<std::string> names = namesOf(registeredTargets(preparedRegistry()));
+  const bool known = std::find(names.begin(), names.end(), target.name) != names.end();
+  if (known && target.compiler.empty() && target.assembler.empty()) {
+    throw Failure("There is a target " + target.name +
+                  " already. Give --compiler or --assembler to change what it runs.");
+  }
+  change([&](Registry& registry) { enterTarget(registry, target); });
+  return ExitCode::Success;
+}
+
+ExitCode removeOne(const Invocation& invocation) {
+  const std::string& name = invocation.text("NAME");
+  const std::vector<std::string> names = namesOf(registeredTargets(preparedRegistry()));
+  if (std::find(names.begin(), names.end(), name) == names.end())
+    throw Failure("There is no target " + name + "." + suggestion(name, names, "targets"));
+  change([&](Registry& registry) { removeTarget(registry, name); });
+  return ExitCode::Success;
+}
+
+ExitCode detect(const Invocation&) {
+  const std::vector<std::string> before = namesOf(registeredTargets(preparedRegistry()));
+  const std::vector<Target> found = detectTargets();
+  LineWriter out(STDOUT_FILENO);
+  change([&](Registry& registry) {
+    for (const Target& target : found) {
+      const bool known = std::find(before.begin(), before.end(), target.name) != before.end();
+      // What the user has entered by hand stays.
+      if (!known) enterTarget(registry, target);
+      out.line(target.name + (known ? ": known already" : ": added, " + target.compiler));
+    }
+  });
+  if (found.empty())
+    out.line(std::string_view("There is no compiler (gcc, or a cross compiler) along PATH."));
+  return finishOutput(out, ExitCode::Success);
+}
+
+constexpr std::array kCommands{
+    Command{
+        "target list", "Show the targets, what they run, and what of it is missing here", {}, listTargets},
+    Command{
+        "target add",
+        "Enter a target into the user's registry, or change what it runs",
+        {{{Kind::Text, "NAME", "", "its name, as configurations have it"},
+          {Kind::Option, "--compiler", "TEXT", "how its compiler's command line begins: \"gnu-cc gcc\""},
+          {Kind::Option, "--assembler", "TEXT", "how its assembler's command line begins: \"gnu-as as\""}}},
+        addTarget},
+    Command{"target remove",
+            "Take a target out of the user's registry",
+            {{{Kind::Text, "NAME", "", "its name"}}},
+            removeOne},
+    Command{"target detect", "Enter a target for every compiler along PATH that has none yet", {}, detect},
+};
+
+}  // namespace
+
+std::span<const Command> targetCommands() {
+  return kCommands;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,38 @@
+#include "hosts/console/configurations.h"
+
+#include "hosts/console/collections.h"
+#include "hosts/console/failure.h"
+#include "hosts/console/nearest.h"
+#include "typelib/cookies.h"
+
+namespace forgeyard::console {
+
+std::string nameOf(IConfiguration& configuration) {
+  BString name;
+  check(configuration.get_Name(&name));
+  return name.narrow();
+}
+
+std::vector<Ref<IConfiguration>> configurationsOf(IProject& project) {
+  Ref<IConfigurations> configurations;
+  check(project.get_Configurations(&configurations));
+  return elementsOf<IConfiguration>(*configurations);
+}
+
+Ref<IConfiguration> findConfiguration(IProject& project, const std::string& name) {
+  std::vector<std::string> names;
+  for (const auto& configuration : configurationsOf(project)) {
+    names.push_back(nameOf(*configuration));
+    if (names.back() == name) return configuration;
+  }
+  throw Failure("There is no configuration " + name + "." + suggestion(name, names, "configurations"));
+}
+
+std::string targetOf(IConfiguration& configuration) {
+  const Ref<IKVSupportCookies> cookies = query<IKVSupportCookies>(&configuration);
+  BString target;
+  if (cookies) check(cookies->get_Cookie(u"Target", &target));
+  return target.narrow();
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,75 @@
+#include "hosts/console/first_start.h"
+
+#include <unistd.h>
+
+#include <array>
+#include <filesystem>
+
+#include "hosts/console/failure.h"
+#include "hosts/console/program_paths.h"
+#include "hosts/console/targets.h"
+#include "platform/registry/registry_paths.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using namespace registry_keys;
+
+constexpr const char* kSpawner = "/TideSpawn.exe";
+
+// The directory of the installation that this program belongs to: the one whose "bin" has the spawner.
+std::string installation() {
+  const std::string above = std::filesystem::path(programDirectory()).parent_path().string();
+  for (const std::string& home : std::array{above, above + "/lib/forgeyard"}) {
+    if (isExecutable(home + "/bin" + kSpawner)) return home;
+  }
+  return above;
+}
+
+std::string modelSpelling(const std::string& hostPath) {
+  std::string error;
+  const auto path = HostPaths().toModel(hostPath, &error);
+  if (!path) throw Failure("This installation can't be used where it stands: " + error + ".");
+  return *path;
+}
+
+bool classesAreServed(const Registry& registry) {
+  const std::string module = registeredModule(registry);
+  return !module.empty() && ::access(module.c_str(), F_OK) == 0;
+}
+
+void enterMissing(Registry& registry, const std::string& home) {
+  if (!home.empty()) registry.setValue(KORVEL, HOME, modelSpelling(home));
+  if (registry.open(TARGETS)) return;
+  registry.createKey(TARGETS);
+  for (const Target& target : detectTargets()) enterTarget(registry, target);
+}
+
+}  // namespace
+
+std::string adapterDirectory(const Registry& registry) {
+  const auto home = registry.value(KORVEL, HOME);
+  if (!home || home->empty()) return "";
+  const auto directory = hostPathsFrom(registry).toHost(*home);
+  return directory ? *directory + "/bin" : "";
+}
+
+void prepareRegistry(Registry& registry, const Module& module) {
+  const bool classes = classesAreServed(registry);
+  const bool home = isExecutable(adapterDirectory(registry) + kSpawner);
+  const bool targets = registry.open(TARGETS).has_value();
+  if (classes && home && targets) return;
+  const std::string file = Registry::defaultFile();
+  if (file.empty())
+    throw Failure("There is no place for the registry: set HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY.");
+  if (!home || !targets) {
+    const std::string newHome = home ? "" : installation();
+    const auto error = Registry::update(file, [&](Registry& changed) { enterMissing(changed, newHome); });
+    if (error) throw Failure(error->message);
+  }
+  if (!classes) require(module.registerServer(), "The classes can't be entered into the registry " + file);
+  registry = Registry::load(file);
+}
+
+}  // namespace forgeyard::console

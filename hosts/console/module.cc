@@ -1,0 +1,60 @@
+#include "hosts/console/module.h"
+
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <array>
+
+#include "hosts/console/failure.h"
+#include "hosts/console/program_paths.h"
+#include "typelib/classes.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+constexpr const char* kFileName = "Forgeyard.so";
+
+std::string findModule(const Registry& registry) {
+  const std::string here = programDirectory();
+  const std::array places{here + "/" + kFileName, here + "/../lib/forgeyard/" + kFileName};
+  for (const std::string& place : places) {
+    if (::access(place.c_str(), F_OK) == 0) return place;
+  }
+  std::string registered = registeredModule(registry);
+  if (!registered.empty()) return registered;
+  throw Failure(std::string(kFileName) + " is neither in " + here + " nor in " + here +
+                "/../lib/forgeyard, and the registry " + Registry::defaultFile() +
+                " names no other place. Install it beside the program.");
+}
+
+}  // namespace
+
+std::string registeredModule(const Registry& registry) {
+  const std::string key = "HKEY_CLASSES_ROOT\\CLSID\\{" + formatGuid(CLSID_BuildTool) + "}\\InprocServer32";
+  return registry.value(key, "").value_or("");
+}
+
+Module::Module(const Registry& registry) : path_(findModule(registry)) {
+  library_ = ::dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!library_) {
+    const char* why = ::dlerror();
+    throw Failure(path_ + " can't be loaded: " + (why ? why : "no reason given") + ".");
+  }
+  getClassObject_ = reinterpret_cast<GetClassObject>(load("DllGetClassObject"));
+  canUnload_ = reinterpret_cast<HRESULT (*)()>(load("DllCanUnloadNow"));
+  register_ = reinterpret_cast<HRESULT (*)()>(load("DllRegisterServer"));
+  addClassSource(getClassObject_);
+}
+
+Module::~Module() {
+  removeClassSource(getClassObject_);
+}
+
+void* Module::load(const char* name) const {
+  void* address = ::dlsym(library_, name);
+  if (!address) throw Failure(path_ + " is not the Forgeyard module: it has no " + name + ".");
+  return address;
+}
+
+}  // namespace forgeyard::console

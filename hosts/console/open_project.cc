@@ -1,0 +1,87 @@
+#include "hosts/console/open_project.h"
+
+#include "hosts/console/configurations.h"
+#include "hosts/console/failure.h"
+#include "hosts/console/report.h"
+
+namespace forgeyard::console {
+
+OpenProject::OpenProject(Session& session, ProjectFile file) : session_(session), file_(std::move(file)) {
+  Ref<IProjects> projects;
+  check(session.tool().get_Projects(&projects));
+  check(projects->New(&project_));
+  check(project_->put_WorkingDirectory(file_.directory));
+  check(project_->put_FileName(file_.name));
+}
+
+OpenProject::OpenProject(Session& session)
+    : OpenProject(session, existingProjectFile(session.options().project)) {
+  load();
+  check(session.tool().put_ActiveProject(project_.get()));
+}
+
+OpenProject OpenProject::create(Session& session, const ProjectFile& file, const std::string& name) {
+  OpenProject made(session, file);
+  check(made.project_->put_Name(BString::fromNarrow(name)));
+  require(made.project_->ProjectInit(), file.host + " can't be made");
+  check(session.tool().put_ActiveProject(made.project_.get()));
+  return made;
+}
+
+void OpenProject::load() {
+  const HRESULT status = project_->ProjectLoad();
+  const Ref<IProjectReport> report = project_.as<IProjectReport>();
+  if (failed(status)) {
+    const HRESULT why = report && failed(report->loadFailure()) ? report->loadFailure() : status;
+    throw Failure(openFailure(file_, why));
+  }
+  reportOmissions();
+  // The load has brought back the name that the file had at its last save.
+  BString name;
+  check(project_->get_FileName(&name));
+  if (name != file_.name) check(project_->put_FileName(file_.name));
+}
+
+void OpenProject::reportOmissions() {
+  const Ref<IProjectReport> report = project_.as<IProjectReport>();
+  if (!report) return;
+  for (const LoadOmission& omission : report->omissions()) {
+    complain(file_.host + ": " + omission.what + " was left out: " + omission.why + ".");
+    incomplete_ = true;
+  }
+}
+
+Ref<IConfiguration> OpenProject::configuration() const {
+  const std::string& wanted = session_.options().configuration;
+  if (!wanted.empty()) return findConfiguration(*project_, wanted);
+  Ref<IConfiguration> active;
+  check(project_->get_ActiveConfiguration(&active));
+  if (!active)
+    throw Failure(file_.host + " has no active configuration. Choose one: forgeyard config use NAME");
+  return active;
+}
+
+void OpenProject::requireConsentToLoss() const {
+  if (!incomplete_) return;
+  MessageAnswer answer = MessageAnswer::No;
+  check(session_.host().frame().ShowMessage(
+      u"A part of the file could not be read, see above. Storing the project now loses that part for good. "
+      u"Store it?",
+      u"Damaged project", MessageButtons::YesNo, MessageIcon::Exclamation, &answer));
+  if (answer != MessageAnswer::Yes) throw Failure(file_.host + " was left as it is.");
+}
+
+void OpenProject::save() {
+  requireConsentToLoss();
+  HRESULT status = project_->ProjectSave();
+  if (const Ref<IProjectReport> report = project_.as<IProjectReport>(); report && succeeded(status))
+    status = report->saveFailure();
+  std::int32_t dirty = 0;
+  check(project_->get_Dirty(&dirty));
+  if (succeeded(status) && dirty) status = E_FAIL;
+  if (failed(status))
+    throw Failure(file_.host + " can't be written: " + describe(status) + ". The file stands as it was.");
+  incomplete_ = false;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hosts/console/project_file.h"
+#include "hosts/console/session.h"
+#include "typelib/configuration.h"
+#include "typelib/project.h"
+
+namespace forgeyard::console {
+
+// The project that a command works on, loaded into the build tool and active there. It is closed with the
+// session; what has not been saved by then is gone, and the file stands as it was. Main thread only.
+class OpenProject {
+ public:
+  // The one that the options name. Throws a Failure that says which file and why. What a damaged file has
+  // lost is told on standard error.
+  explicit OpenProject(Session& session);
+  // A new one with a configuration "Default". Throws a Failure; the file is written by save() alone.
+  static OpenProject create(Session& session, const ProjectFile& file, const std::string& name);
+
+  Session& session() const { return session_; }
+  IProject& project() const { return *project_; }
+  const ProjectFile& file() const { return file_; }
+
+  // The configuration that the options name, else the active one. Throws a Failure with what there is.
+  Ref<IConfiguration> configuration() const;
+  // Whether a part of the file was left out in loading.
+  bool isIncomplete() const { return incomplete_; }
+
+  // Writes the file. Throws a Failure when it could not be written: then it stands as it was. Asks before a
+  // part that could not be read is lost for good.
+  void save();
+
+ private:
+  OpenProject(Session& session, ProjectFile file);
+  void load();
+  void reportOmissions();
+  void requireConsentToLoss() const;
+
+  Session& session_;
+  ProjectFile file_;
+  Ref<IProject> project_;
+  bool incomplete_ = false;
+};
+
+}  // namespace forgeyard::console

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace forgeyard::console {
+
+// What may stand on every command line, before and behind the command.
+struct Options {
+  std::string project;        // host path as typed; empty: the one project file of the current directory
+  std::string configuration;  // for this call only; empty: the active one
+  bool yes = false;           // answers questions with yes
+  bool quiet = false;
+  bool verbose = false;
+};
+
+}  // namespace forgeyard::console

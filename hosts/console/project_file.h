@@ -1,0 +1,32 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/com/status.h"
+#include "platform/files/host_location.h"
+
+namespace forgeyard::console {
+
+// A project file as the module wants it named.
+struct ProjectFile {
+  std::string host;   // absolute host path, for messages
+  BString directory;  // model path
+  BString name;       // without directory
+};
+
+// The file of that host path, as typed. Throws a Failure for a path that the model can't spell and for a name
+// that doesn't end in ".nqp". It need not exist.
+ProjectFile projectFile(const std::string& path);
+
+// The file that a command works on: the named one, else the one project file of the current directory. Throws
+// a Failure that says what there is instead.
+ProjectFile existingProjectFile(const std::string& path);
+
+// "process 4711 (forgeyard)" where the system tells who has the file locked; else empty.
+std::string lockHolder(const std::string& file);
+
+// Why a project file could not be opened, as a whole message.
+std::string openFailure(const ProjectFile& file, HRESULT status);
+
+}  // namespace forgeyard::console

@@ -1,0 +1,49 @@
+#include "hosts/console/project_paths.h"
+
+#include <filesystem>
+
+#include "hosts/console/failure.h"
+#include "platform/files/host_location.h"
+#include "platform/paths/shell_path.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+}  // namespace
+
+ProjectPaths::ProjectPaths(IProject& project) {
+  BString directory;
+  check(project.get_WorkingDirectory(&directory));
+  prefix_ = directory.view();
+  PathAddBackslashA(prefix_);
+  hostPrefix_ = spelledHost(directory).value_or("");
+  std::error_code error;
+  realDirectory_ = fs::canonical(hostPrefix_, error).string();
+  if (!hostPrefix_.ends_with('/')) hostPrefix_ += '/';
+}
+
+BString ProjectPaths::toProject(const std::string& path) const {
+  const ModelPath model = toModel(path);
+  if (!model) throw Failure(model.error);
+  if (model.path.view().starts_with(prefix_) || realDirectory_.empty()) return model.path;
+  const fs::path spelled(spelledHost(model.path).value_or(path));
+  std::error_code error;
+  // Not the last component: a link to a file is a file of the project by its own name.
+  const fs::path real = fs::weakly_canonical(spelled.parent_path(), error) / spelled.filename();
+  if (error) return model.path;
+  const fs::path below = real.lexically_relative(realDirectory_);
+  if (below.empty() || *below.begin() == "..") return model.path;
+  const ModelPath respelled = toModel(hostPrefix_ + below.string());
+  return respelled ? respelled.path : model.path;
+}
+
+std::string ProjectPaths::toUser(const BString& name) const {
+  const std::string host = spelledHost(name).value_or(name.narrow());
+  const bool inside = host.size() > hostPrefix_.size() && host.starts_with(hostPrefix_);
+  return inside ? host.substr(hostPrefix_.size()) : host;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,119 @@
+#include "hosts/console/properties.h"
+
+#include <algorithm>
+#include <array>
+
+#include "hosts/console/failure.h"
+#include "platform/text/fold.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+bool isPlain(const Thunk& thunk) {
+  if (!thunk || thunk.params.size() != 1) return false;
+  const ParamType type = thunk.params.front().type;
+  return type != ParamType::Object && type != ParamType::Variant;
+}
+
+bool isFlagOrNumber(const Thunk& put) {
+  const ParamType type = put.params.front().type;
+  return type == ParamType::I4 || type == ParamType::UI4 || type == ParamType::Bool;
+}
+
+const TypeInfo& descriptionOf(IDispatch& object) {
+  const TypeInfo* info = nullptr;
+  check(object.GetTypeInfo(&info));
+  return *info;
+}
+
+std::vector<std::string> propertiesWith(const TypeInfo& info, Thunk Member::*form) {
+  std::vector<std::string> names;
+  if (info.base) names = propertiesWith(*info.base, form);
+  for (const Member& member : info.members) {
+    if (isPlain(member.*form)) names.emplace_back(member.name);
+  }
+  return names;
+}
+
+const Member* find(IDispatch& object, const std::string& property, Thunk Member::*form) {
+  const Member* member = descriptionOf(object).find(BString::fromNarrow(property));
+  return member && isPlain(member->*form) ? member : nullptr;
+}
+
+struct Word {
+  std::string_view text;
+  std::int32_t value;
+};
+constexpr std::array kWords{Word{"yes", 1}, Word{"on", 1},  Word{"true", 1},
+                            Word{"no", 0},  Word{"off", 0}, Word{"false", 0}};
+
+Variant argumentFor(const Member& member, const std::string& value) {
+  if (isFlagOrNumber(member.put)) {
+    for (const Word& word : kWords) {
+      if (equalFoldedAscii(word.text, value)) return Variant(word.value);
+    }
+  }
+  return Variant(BString::fromNarrow(value));
+}
+
+std::int32_t identifierOf(IDispatch& object, const std::string& property) {
+  const BString name = BString::fromNarrow(property);
+  std::int32_t id = 0;
+  require(object.GetIDsOfNames(std::span(&name, 1), &id), property);
+  return id;
+}
+
+}  // namespace
+
+std::vector<Assignment> assignments(const std::vector<std::string>& texts) {
+  std::vector<Assignment> result;
+  for (const std::string& text : texts) {
+    const std::size_t sign = text.find('=');
+    if (sign == 0 || sign == text.npos)
+      throw Failure("\"" + text +
+                    "\" sets nothing. Write PROPERTY=VALUE, with quotes around a value with blanks.");
+    result.push_back({text.substr(0, sign), text.substr(sign + 1)});
+  }
+  return result;
+}
+
+std::vector<std::string> readableProperties(IDispatch& object) {
+  return propertiesWith(descriptionOf(object), &Member::get);
+}
+
+std::vector<std::string> writableProperties(IDispatch& object) {
+  return propertiesWith(descriptionOf(object), &Member::put);
+}
+
+bool hasReadable(IDispatch& object, const std::string& property) {
+  return find(object, property, &Member::get) != nullptr;
+}
+
+bool hasWritable(IDispatch& object, const std::string& property) {
+  return find(object, property, &Member::put) != nullptr;
+}
+
+std::string readProperty(IDispatch& object, const std::string& property) {
+  Variant value;
+  require(object.Invoke(identifierOf(object, property), InvokeKind::PropertyGet, {}, &value, nullptr),
+          property);
+  BString text;
+  require(value.toText(&text), property);
+  return text.narrow();
+}
+
+void writeProperty(IDispatch& object, const std::string& property, const std::string& value) {
+  const Member* member = find(object, property, &Member::put);
+  if (!member) throw Failure(property + " can't be set.");
+  const Variant argument = argumentFor(*member, value);
+  const HRESULT status = object.Invoke(identifierOf(object, property), InvokeKind::PropertyPut,
+                                       std::span(&argument, 1), nullptr, nullptr);
+  if (status == DISP_E_TYPEMISMATCH || status == DISP_E_OVERFLOW) {
+    throw Failure("\"" + value + "\" is no value for " + member->name +
+                  ", which takes a number: " + member->help + ".");
+  }
+  require(status, std::string(member->name) + " can't be set to \"" + value + "\"");
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "hosts/console/options.h"
+#include "hosts/console/services/command_host.h"
+#include "hosts/console/services/line_writer.h"
+#include "hosts/console/services/main_frame.h"
+#include "hosts/console/services/output_window.h"
+#include "hosts/console/services/source_manager.h"
+
+namespace forgeyard::console {
+
+// The site that the module's objects get: the look-up of every service that a terminal can offer. Main thread
+// only.
+class ConsoleHost final : public ComObject<IServiceLookup> {
+ public:
+  // Borrows the writer.
+  ConsoleHost(LineWriter& output, const Options& options);
+
+  MainFrame& frame() const { return *frame_; }
+
+  HRESULT LookUp(const Guid& service, const Guid& iid, void** out) override;
+
+ private:
+  Ref<OutputWindow> output_;
+  Ref<MainFrame> frame_;
+  Ref<SourceManager> sources_;
+  Ref<CommandHost> commands_;
+};
+
+}  // namespace forgeyard::console

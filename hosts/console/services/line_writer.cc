@@ -1,0 +1,137 @@
+#include "hosts/console/services/line_writer.h"
+
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include "platform/text/narrow.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr std::size_t kCapacity = std::size_t{256} << 10;
+// A pipe that polls as writable takes this much without blocking.
+constexpr std::size_t kSafeChunk = 4096;
+// Lines of a tool that writes in spurts leave together; none waits for longer than kLongest.
+constexpr milliseconds kIdle{2};
+constexpr milliseconds kLongest{50};
+
+bool canBlock(int descriptor) {
+  struct stat status {};
+  return ::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode);
+}
+
+// The time of the last tick: a hundredth of a second is near enough, and this costs next to nothing.
+std::chrono::steady_clock::time_point coarseNow() {
+  timespec now{};
+  ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return std::chrono::steady_clock::time_point(std::chrono::seconds(now.tv_sec) +
+                                               std::chrono::nanoseconds(now.tv_nsec));
+}
+
+bool isAscii(std::u16string_view text) {
+  char16_t all = 0;
+  for (const char16_t unit : text) all = static_cast<char16_t>(all | unit);
+  return all < 0x80;
+}
+
+}  // namespace
+
+LineWriter::LineWriter(int descriptor)
+    : descriptor_(descriptor),
+      terminal_(::isatty(descriptor) == 1),
+      mayBlock_(canBlock(descriptor)),
+      capacity_(kCapacity),
+      buffer_(new char[kCapacity]) {}
+
+LineWriter::~LineWriter() {
+  flush();
+}
+
+// Room for that many bytes behind what waits.
+char* LineWriter::reserve(std::size_t bytes) {
+  if (capacity_ - used_ < bytes) flush();
+  if (capacity_ < bytes) {
+    buffer_.reset(new char[bytes]);
+    capacity_ = bytes;
+  }
+  return buffer_.get() + used_;
+}
+
+void LineWriter::finishLine(char* end) {
+  *end++ = '\n';
+  const Clock::time_point now = coarseNow();
+  if (used_ == 0) oldest_ = now;
+  newest_ = now;
+  used_ = static_cast<std::size_t>(end - buffer_.get());
+  if (now - oldest_ >= kLongest) flush();
+}
+
+void LineWriter::line(std::u16string_view text) {
+  if (state_ != State::Open) return;
+  if (!isAscii(text)) return line(narrowFromWide(text));
+  char* out = reserve(text.size() + 1);
+  for (std::size_t i = 0; i < text.size(); ++i) out[i] = static_cast<char>(text[i]);
+  finishLine(out + text.size());
+}
+
+void LineWriter::line(std::string_view text) {
+  if (state_ != State::Open) return;
+  char* out = reserve(text.size() + 1);
+  if (!text.empty()) std::memcpy(out, text.data(), text.size());
+  finishLine(out + text.size());
+}
+
+std::chrono::milliseconds LineWriter::dueIn() const {
+  if (used_ == 0) return milliseconds(-1);
+  if (terminal_) return milliseconds::zero();
+  const Clock::time_point due = std::min(newest_ + kIdle, oldest_ + kLongest);
+  const auto left = std::chrono::ceil<milliseconds>(due - coarseNow());
+  return std::clamp(left, milliseconds(1), kIdle);
+}
+
+void LineWriter::flush() {
+  std::string_view rest(buffer_.get(), std::exchange(used_, 0));
+  while (!rest.empty() && state_ == State::Open) {
+    if (mayBlock_ && !waitUntilWritable()) return;
+    const std::size_t chunk = mayBlock_ ? std::min(rest.size(), kSafeChunk) : rest.size();
+    const ssize_t written = ::write(descriptor_, rest.data(), chunk);
+    if (written >= 0) {
+      rest.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno == EPIPE) {
+      drop(State::Closed);
+    } else if (errno != EINTR && errno != EAGAIN) {
+      drop(State::Failed, errno);
+    }
+  }
+}
+
+// False when the output was given up instead.
+bool LineWriter::waitUntilWritable() {
+  for (;;) {
+    pollfd entries[] = {{descriptor_, POLLOUT, 0}, {interrupt_ ? interrupt_->descriptor() : -1, POLLIN, 0}};
+    if (::poll(entries, 2, -1) < 0) {
+      if (errno == EINTR) continue;
+      return true;  // the write tells what is wrong
+    }
+    if (entries[0].revents) return true;
+    drop(State::Abandoned);
+    return false;
+  }
+}
+
+void LineWriter::drop(State state, int error) {
+  state_ = state;
+  error_ = error;
+  used_ = 0;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+#include "platform/threads/waitable.h"
+
+namespace forgeyard::console {
+
+// Writes lines to a descriptor through a buffer of its own. Lines leave when the buffer is full, when flush()
+// is called, and in the destructor; who adds lines asks dueIn() how long they may wait. One thread.
+//
+// When the descriptor can't be written any more, what is left is dropped, and so is every later line: state()
+// says why. A stuck reader doesn't hold the program up against the user's wish: while `interrupt` is
+// signalled, output that would have to wait is dropped (State::Abandoned).
+class LineWriter {
+ public:
+  enum class State { Open, Closed, Abandoned, Failed };
+
+  // Borrows the descriptor.
+  explicit LineWriter(int descriptor);
+  LineWriter(const LineWriter&) = delete;
+  LineWriter& operator=(const LineWriter&) = delete;
+  ~LineWriter();
+
+  // Appends the text and a line feed.
+  void line(std::u16string_view text);
+  void line(std::string_view text);
+  void flush();
+
+  // How long the lines that wait may go on waiting: zero on a terminal; nothing waits: negative, for ever.
+  std::chrono::milliseconds dueIn() const;
+
+  // Borrowed until the next call; null for none.
+  void setInterrupt(const Waitable* interrupt) { interrupt_ = interrupt; }
+
+  State state() const noexcept { return state_; }
+  // Of State::Failed: errno.
+  int error() const noexcept { return error_; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  char* reserve(std::size_t bytes);
+  void finishLine(char* end);
+  bool waitUntilWritable();
+  void drop(State state, int error = 0);
+
+  int descriptor_;
+  bool terminal_;
+  bool mayBlock_;  // a pipe, socket or terminal
+  std::size_t capacity_;
+  std::unique_ptr<char[]> buffer_;
+  std::size_t used_ = 0;
+  Clock::time_point oldest_;  // when the first waiting line came
+  Clock::time_point newest_;
+  const Waitable* interrupt_ = nullptr;
+  State state_ = State::Open;
+  int error_ = 0;
+};
+
+}  // namespace forgeyard::console

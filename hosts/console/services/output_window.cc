@@ -1,0 +1,56 @@
+#include "hosts/console/services/output_window.h"
+
+#include <algorithm>
+
+namespace forgeyard::console {
+
+bool OutputWindow::hasTab(const BString& tab) const {
+  return std::find(tabs_.begin(), tabs_.end(), tab) != tabs_.end();
+}
+
+HRESULT OutputWindow::OpenTab(const BString& tab, std::int32_t* value, std::int32_t create) {
+  return guard([&] {
+    if (!hasTab(tab) && create) tabs_.push_back(tab);
+    *value = hasTab(tab) ? 1 : 0;
+    return *value ? S_OK : E_FAIL;
+  });
+}
+
+HRESULT OutputWindow::ShowTab(const BString& tab) {
+  return hasTab(tab) ? S_OK : E_FAIL;
+}
+
+HRESULT OutputWindow::AddLine(const BString&, const BString& text) {
+  return guard([&] {
+    if (quiet_) {
+      addQuietly(text);
+    } else {
+      writer_->line(text.view());
+    }
+  });
+}
+
+HRESULT OutputWindow::ClearTab(const BString&) {
+  held_ = {};
+  return S_OK;
+}
+
+void OutputWindow::addQuietly(const BString& text) {
+  switch (filter_.judge(text)) {
+    case QuietFilter::Verdict::Show:
+      if (!held_.isNull()) writer_->line(held_.view());
+      held_ = {};
+      writer_->line(text.view());
+      break;
+    case QuietFilter::Verdict::Hold:
+      held_ = text;
+      break;
+    case QuietFilter::Verdict::Forget:
+      held_ = {};
+      break;
+    case QuietFilter::Verdict::Drop:
+      break;
+  }
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hosts/console/services/line_writer.h"
+#include "hosts/console/services/quiet_filter.h"
+#include "platform/com/object.h"
+#include "typelib/host.h"
+
+namespace forgeyard::console {
+
+// The output window on standard output: lines of all tabs go there as they come, since a terminal has but one
+// place. Borrows the writer. Main thread only.
+class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
+ public:
+  OutputWindow(LineWriter& writer, bool quiet) : writer_(&writer), quiet_(quiet) {}
+
+  HRESULT OpenTab(const BString& tab, std::int32_t* value, std::int32_t create) override;
+  HRESULT Reserved() override { return S_OK; }
+  HRESULT ShowTab(const BString& tab) override;
+
+  HRESULT AddLine(const BString& tab, const BString& text) override;
+  // What a terminal has shown stays there.
+  HRESULT ClearTab(const BString& tab) override;
+
+ private:
+  bool hasTab(const BString& tab) const;
+  void addQuietly(const BString& text);
+
+  LineWriter* writer_;
+  bool quiet_;
+  QuietFilter filter_;
+  BString held_;  // a command that is shown only if something follows; null: none
+  std::vector<BString> tabs_;
+};
+
+}  // namespace forgeyard::console

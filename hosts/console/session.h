@@ -1,0 +1,54 @@
+#pragma once
+
+#include <optional>
+
+#include "hosts/console/console_loop.h"
+#include "hosts/console/module.h"
+#include "hosts/console/options.h"
+#include "hosts/console/report.h"
+#include "hosts/console/services/console_host.h"
+#include "platform/threads/apartment.h"
+#include "typelib/buildtool.h"
+
+namespace forgeyard::console {
+
+// The user's registry. Throws a Failure when it can't be read.
+Registry openRegistry();
+
+// The module at work: its library loaded, the host's services offered to it, and the build tool created and
+// sited. The end goes the same way back. The thread that makes it is the main thread of everything.
+class Session {
+ public:
+  // Throws a Failure that says what is missing.
+  explicit Session(const Options& options);
+  ~Session();
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  const Options& options() const { return options_; }
+  const Registry& registry() const { return registry_; }
+  LineWriter& output() { return output_; }
+  ConsoleLoop& loop() { return *loop_; }
+  Apartment& apartment() const { return **apartment_; }
+  ConsoleHost& host() const { return *host_; }
+  IBuildTool& tool() const { return *tool_; }
+
+  // Serves the module's threads until all of them have ended.
+  void waitForThreads();
+  // Sends off what was written. The exit code, or another one if standard output could not take it.
+  ExitCode finish(ExitCode code = ExitCode::Success) { return finishOutput(output_, code); }
+
+ private:
+  void unload();
+
+  const Options& options_;
+  Registry registry_;
+  LineWriter output_;
+  ConsoleLoop* loop_ = nullptr;  // the apartment's
+  std::optional<ApartmentScope> apartment_;
+  std::optional<Module> module_;
+  Ref<ConsoleHost> host_;
+  Ref<IBuildTool> tool_;
+};
+
+}  // namespace forgeyard::console

@@ -1,0 +1,35 @@
+#include "hosts/console/source_files.h"
+
+#include "hosts/console/collections.h"
+#include "hosts/console/nearest.h"
+
+namespace forgeyard::console {
+
+std::vector<FolderContents> foldersOf(IProject& project) {
+  std::vector<FolderContents> folders;
+  for (Component& component : componentsOf(project)) {
+    const Ref<IFolder> folder = component.object.as<IFolder>();
+    if (!folder) continue;
+    FolderContents contents{std::move(component), nullptr, {}};
+    check(folder->get_SourceFiles(&contents.list));
+    for (Ref<ISourceFile>& file : elementsOf<ISourceFile>(*contents.list)) {
+      BString name;
+      check(file->get_Name(&name));
+      contents.files.push_back({std::move(file), std::move(name)});
+    }
+    folders.push_back(std::move(contents));
+  }
+  return folders;
+}
+
+Failure unknownFile(const std::string& path, const std::vector<FolderContents>& folders,
+                    const ProjectPaths& paths) {
+  std::vector<std::string> names;
+  for (const FolderContents& folder : folders) {
+    for (const ProjectSource& file : folder.files) names.push_back(paths.toUser(file.name));
+  }
+  return Failure(path + " is no file of the project." +
+                 suggestion(paths.toUser(paths.toProject(path)), names, "files in it"));
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hosts/console/components.h"
+#include "hosts/console/failure.h"
+#include "hosts/console/project_paths.h"
+#include "typelib/folder.h"
+
+namespace forgeyard::console {
+
+struct ProjectSource {
+  Ref<ISourceFile> object;
+  BString name;  // full path in the model's spelling
+};
+
+// A folder with its files, in their order.
+struct FolderContents {
+  Component folder;
+  Ref<ISourceFiles> list;
+  std::vector<ProjectSource> files;
+};
+
+// All folders, in the project's order.
+std::vector<FolderContents> foldersOf(IProject& project);
+
+// The Failure for a path that names no file of the project, with the nearest one that does.
+Failure unknownFile(const std::string& path, const std::vector<FolderContents>& folders,
+                    const ProjectPaths& paths);
+
+}  // namespace forgeyard::console

@@ -1,0 +1,121 @@
+#include "hosts/console/targets.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <set>
+
+#include "hosts/console/program_paths.h"
+#include "platform/paths/command_line.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace registry_keys;
+
+constexpr std::string_view kCompilerAdapter = "gnu-cc";
+constexpr std::string_view kAssemblerAdapter = "gnu-as";
+constexpr std::string_view kCompilerSuffix = "-gcc";
+constexpr std::string_view kMipsPrefix = "mipsel-linux-gnu";
+// Small data goes by the global pointer here, which position-independent code and the abicalls can't do.
+constexpr std::string_view kMipsOptions = " -mno-abicalls -fno-pic";
+
+std::string commandLine(std::string_view adapter, std::string_view tool) {
+  return std::string(adapter) + " " + std::string(tool);
+}
+
+Target crossTarget(const std::string& prefix) {
+  const bool mips = prefix == kMipsPrefix;
+  Target target{mips ? "mips" : prefix, commandLine(kCompilerAdapter, prefix + "-gcc"), ""};
+  if (mips) target.compiler += kMipsOptions;
+  if (findProgram(prefix + "-as")) target.assembler = commandLine(kAssemblerAdapter, prefix + "-as");
+  return target;
+}
+
+std::string resolved(const std::string& program) {
+  std::error_code error;
+  const auto path = findProgram(program);
+  return path ? fs::canonical(*path, error).string() : "";
+}
+
+// The host's own compiler under its long name. A wrapper that stands for all compilers tells nothing.
+bool isNative(const std::string& prefix) {
+  const std::string native = resolved("gcc");
+  return !native.empty() && native.find("gcc") != native.npos && resolved(prefix + "-gcc") == native;
+}
+
+// A cross compiler brings an assembler or linker of its own, other programs of such a name don't.
+bool isToolChain(const std::string& prefix) {
+  return findProgram(prefix + "-as") || findProgram(prefix + "-ld");
+}
+
+std::set<std::string> crossPrefixes() {
+  std::set<std::string> prefixes;
+  for (const std::string& directory : searchPath()) {
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(directory, error)) {
+      const std::string name = entry.path().filename().string();
+      if (name.size() > kCompilerSuffix.size() && name.ends_with(kCompilerSuffix))
+        prefixes.insert(name.substr(0, name.size() - kCompilerSuffix.size()));
+    }
+  }
+  std::erase_if(prefixes, [](const std::string& prefix) {
+    return !findProgram(prefix + "-gcc") || !isToolChain(prefix) || isNative(prefix);
+  });
+  return prefixes;
+}
+
+}  // namespace
+
+std::vector<Target> registeredTargets(const Registry& registry) {
+  std::vector<Target> targets;
+  const auto key = registry.open(TARGETS);
+  if (!key) return targets;
+  for (const std::string& name : key->valueNames()) {
+    if (name.empty()) continue;
+    targets.push_back(
+        {name, registry.value(COMPILERS, name).value_or(""), registry.value(ASSEMBLERS, name).value_or("")});
+  }
+  return targets;
+}
+
+std::vector<Target> detectTargets() {
+  std::vector<Target> targets;
+  if (findProgram("gcc")) {
+    targets.push_back({"native", commandLine(kCompilerAdapter, "gcc"), ""});
+    if (findProgram("as")) targets.back().assembler = commandLine(kAssemblerAdapter, "as");
+  }
+  for (const std::string& prefix : crossPrefixes()) targets.push_back(crossTarget(prefix));
+  std::sort(targets.begin(), targets.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
+  return targets;
+}
+
+void enterTarget(Registry& registry, const Target& target) {
+  if (!registry.value(TARGETS, target.name)) registry.setValue(TARGETS, target.name, "");
+  // The keys must be there for a tool to say which target is missing in them.
+  registry.createKey(COMPILERS);
+  registry.createKey(ASSEMBLERS);
+  if (!target.compiler.empty()) registry.setValue(COMPILERS, target.name, target.compiler);
+  if (!target.assembler.empty()) registry.setValue(ASSEMBLERS, target.name, target.assembler);
+}
+
+bool removeTarget(Registry& registry, const std::string& name) {
+  const bool compiler = registry.removeValue(COMPILERS, name);
+  const bool assembler = registry.removeValue(ASSEMBLERS, name);
+  return registry.removeValue(TARGETS, name) || compiler || assembler;
+}
+
+std::vector<std::string> missingPrograms(const std::string& commandLine,
+                                         const std::string& adapterDirectory) {
+  std::vector<std::string> missing;
+  for (const std::string& word : CommandLineToArgvW(commandLine)) {
+    const bool adapter = word == kCompilerAdapter || word == kAssemblerAdapter;
+    if (!isExecutable(adapterDirectory + "/" + word) && !findProgram(word)) missing.push_back(word);
+    if (!adapter) break;
+  }
+  return missing;
+}
+
+}  // namespace forgeyard::console

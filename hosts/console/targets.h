@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/registry/registry.h"
+
+namespace forgeyard::console {
+
+// What a configuration builds for: the beginnings of the command lines of its compiler and assembler. An
+// empty one is missing.
+struct Target {
+  std::string name;
+  std::string compiler;
+  std::string assembler;
+
+  friend bool operator==(const Target&, const Target&) = default;
+};
+
+// Those of the registry, in its order.
+std::vector<Target> registeredTargets(const Registry& registry);
+
+// What the tool chains along PATH can serve: "native" for gcc, "mips" for the MIPS cross compiler, and
+// further cross compilers by their prefix, in order of the names.
+std::vector<Target> detectTargets();
+
+// Enters the target with the texts that it has; those that it lacks stay as they are.
+void enterTarget(Registry& registry, const Target& target);
+// False if there is none of that name.
+bool removeTarget(Registry& registry, const std::string& name);
+
+// The programs that the command line of a tool needs and that are not there: its first word, looked for in
+// the directory of the adapters and along PATH, and behind an adapter the tool that it drives.
+std::vector<std::string> missingPrograms(const std::string& commandLine, const std::string& adapterDirectory);
+
+}  // namespace forgeyard::console
