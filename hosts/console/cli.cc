@@ -123,7 +123,8 @@ CLI::Option* CommandLine::addParameter(CLI::App& app, const Parameter& parameter
   if (parameter.kind == Kind::Flag) return app.add_flag(parameter.name, parameter.help);
   CLI::Option* option = app.add_option(parameter.name, keep, parameter.help);
   option->type_name(parameter.kind == Kind::Option ? parameter.value : "");
-  if (parameter.kind == Kind::Texts) option->expected(-1);
+  if (parameter.kind == Kind::Texts)
+    option->expected(-1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   option->required(parameter.kind == Kind::Text || parameter.kind == Kind::Texts);
   return option;
 }
