@@ -67,8 +67,9 @@ std::string withDrive(std::string_view path, const DependencyPlace& place) {
   return rest.starts_with('/') ? place.drive + std::string(rest) : std::string(path);
 }
 
-std::string firstWord(std::string_view name) {
-  return harmless(name, LONGEST_NAME);
+// One of the two words that the component skips: there must be one.
+std::string skippedWord(std::string_view name) {
+  return name.empty() ? "-" : harmless(name, LONGEST_NAME);
 }
 
 }  // namespace
@@ -89,7 +90,7 @@ std::optional<std::string> dependencyWord(std::string_view absoluteName, const D
 }
 
 std::string dependencyFileText(const MakeRule& rule, const DependencyPlace& place) {
-  std::string text = firstWord(place.target) + ": " + firstWord(place.source);
+  std::string text = skippedWord(place.target) + ": " + skippedWord(place.source);
   for (std::size_t i = 1; i < rule.prerequisites.size(); ++i) {
     const std::string& name = rule.prerequisites[i];
     const auto word = dependencyWord(absoluteName(name, place.directory), place);
