@@ -5,9 +5,9 @@
 #include <functional>
 #include <map>
 
+#include "hosts/console/base/nearest.h"
+#include "hosts/console/base/report.h"
 #include "hosts/console/commands/all_commands.h"
-#include "hosts/console/nearest.h"
-#include "hosts/console/report.h"
 
 namespace forgeyard::console {
 

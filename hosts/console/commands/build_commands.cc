@@ -2,10 +2,10 @@
 
 #include <unistd.h>
 
-#include "hosts/console/build_run.h"
+#include "hosts/console/build/build_run.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/open_project.h"
-#include "hosts/console/source_files.h"
+#include "hosts/console/project/open_project.h"
+#include "hosts/console/project/source_files.h"
 #include "platform/threads/named_event.h"
 
 namespace forgeyard::console {

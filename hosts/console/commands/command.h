@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-#include "hosts/console/failure.h"
-#include "hosts/console/options.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/options.h"
 
 namespace forgeyard::console {
 

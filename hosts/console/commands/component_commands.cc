@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/components.h"
-#include "hosts/console/nearest.h"
-#include "hosts/console/open_project.h"
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/open_project.h"
 #include "platform/com/class_table.h"
 
 namespace forgeyard::console {

@@ -1,12 +1,12 @@
 // config add, list, use, remove and set.
 
+#include "hosts/console/base/nearest.h"
+#include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/configurations.h"
-#include "hosts/console/nearest.h"
-#include "hosts/console/open_project.h"
-#include "hosts/console/properties.h"
-#include "hosts/console/report.h"
-#include "hosts/console/targets.h"
+#include "hosts/console/project/configurations.h"
+#include "hosts/console/project/open_project.h"
+#include "hosts/console/project/properties.h"
+#include "hosts/console/session/targets.h"
 #include "platform/text/fold.h"
 #include "typelib/cookies.h"
 

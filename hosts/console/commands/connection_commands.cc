@@ -1,8 +1,8 @@
 // connect and disconnect.
 
 #include "hosts/console/commands/command.h"
-#include "hosts/console/components.h"
-#include "hosts/console/open_project.h"
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/open_project.h"
 
 namespace forgeyard::console {
 

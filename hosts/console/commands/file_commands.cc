@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/open_project.h"
-#include "hosts/console/report.h"
-#include "hosts/console/source_files.h"
+#include "hosts/console/project/open_project.h"
+#include "hosts/console/project/source_files.h"
 
 namespace forgeyard::console {
 

@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "hosts/console/commands/command.h"
-#include "hosts/console/open_project.h"
+#include "hosts/console/project/open_project.h"
 
 namespace forgeyard::console {
 

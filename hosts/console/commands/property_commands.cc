@@ -1,11 +1,11 @@
 // set and get: the properties of components.
 
+#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/components.h"
-#include "hosts/console/configurations.h"
-#include "hosts/console/nearest.h"
-#include "hosts/console/open_project.h"
-#include "hosts/console/properties.h"
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/configurations.h"
+#include "hosts/console/project/open_project.h"
+#include "hosts/console/project/properties.h"
 #include "platform/text/fold.h"
 
 namespace forgeyard::console {

@@ -4,12 +4,12 @@
 
 #include <algorithm>
 
+#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/first_start.h"
-#include "hosts/console/nearest.h"
 #include "hosts/console/services/line_writer.h"
-#include "hosts/console/session.h"
-#include "hosts/console/targets.h"
+#include "hosts/console/session/first_start.h"
+#include "hosts/console/session/session.h"
+#include "hosts/console/session/targets.h"
 
 namespace forgeyard::console {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/console/options.h"
+#include "hosts/console/base/options.h"
 #include "hosts/console/services/command_host.h"
 #include "hosts/console/services/line_writer.h"
 #include "hosts/console/services/main_frame.h"

@@ -7,8 +7,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <string>
 #include <utility>
 
+#include "hosts/console/base/report.h"
 #include "platform/text/narrow.h"
 
 namespace forgeyard::console {
@@ -132,6 +134,19 @@ void LineWriter::drop(State state, int error) {
   state_ = state;
   error_ = error;
   used_ = 0;
+}
+
+ExitCode finishOutput(LineWriter& output, ExitCode code) {
+  output.flush();
+  switch (output.state()) {
+    case LineWriter::State::Closed:
+      return ExitCode::OutputClosed;
+    case LineWriter::State::Failed:
+      complain(std::string("Standard output can't be written: ") + std::strerror(output.error()) + ".");
+      return ExitCode::Failure;
+    default:
+      return code;
+  }
 }
 
 }  // namespace forgeyard::console

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "hosts/console/base/failure.h"
 #include "platform/threads/waitable.h"
 
 namespace forgeyard::console {
@@ -60,5 +61,9 @@ class LineWriter {
   State state_ = State::Open;
   int error_ = 0;
 };
+
+// Sends off what the writer still holds. The exit code, or another one if the output could not take all of
+// it.
+ExitCode finishOutput(LineWriter& output, ExitCode code);
 
 }  // namespace forgeyard::console

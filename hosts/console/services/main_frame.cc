@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <utility>
 
-#include "hosts/console/report.h"
+#include "hosts/console/base/report.h"
 
 namespace forgeyard::console {
 

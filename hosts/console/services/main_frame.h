@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "hosts/console/options.h"
+#include "hosts/console/base/options.h"
 #include "platform/com/object.h"
 #include "typelib/host.h"
 

@@ -1,4 +1,4 @@
-#include "hosts/console/project_file.h"
+#include "hosts/console/project/project_file.h"
 
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -11,8 +11,8 @@
 #include <sstream>
 #include <vector>
 
-#include "hosts/console/failure.h"
-#include "hosts/console/nearest.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/nearest.h"
 #include "platform/paths/shell_path.h"
 
 namespace forgeyard::console {

@@ -1,4 +1,4 @@
-#include "hosts/console/stop_signals.h"
+#include "hosts/console/build/stop_signals.h"
 
 #include <sys/signalfd.h>
 #include <unistd.h>

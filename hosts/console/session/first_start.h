@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/console/module.h"
+#include "hosts/console/session/module.h"
 #include "platform/registry/registry.h"
 
 namespace forgeyard::console {

@@ -1,8 +1,8 @@
-#include "hosts/console/open_project.h"
+#include "hosts/console/project/open_project.h"
 
-#include "hosts/console/configurations.h"
-#include "hosts/console/failure.h"
-#include "hosts/console/report.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/report.h"
+#include "hosts/console/project/configurations.h"
 
 namespace forgeyard::console {
 

@@ -1,4 +1,4 @@
-#include "hosts/console/tool_processes.h"
+#include "hosts/console/build/tool_processes.h"
 
 #include <signal.h>
 #include <sys/types.h>

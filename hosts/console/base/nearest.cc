@@ -1,4 +1,4 @@
-#include "hosts/console/nearest.h"
+#include "hosts/console/base/nearest.h"
 
 #include <algorithm>
 

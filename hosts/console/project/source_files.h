@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "hosts/console/components.h"
-#include "hosts/console/failure.h"
-#include "hosts/console/project_paths.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/project_paths.h"
 #include "typelib/folder.h"
 
 namespace forgeyard::console {

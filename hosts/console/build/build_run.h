@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "hosts/console/failure.h"
-#include "hosts/console/open_project.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/project/open_project.h"
 
 namespace forgeyard::console {
 

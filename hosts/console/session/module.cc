@@ -1,12 +1,12 @@
-#include "hosts/console/module.h"
+#include "hosts/console/session/module.h"
 
 #include <dlfcn.h>
 #include <unistd.h>
 
 #include <array>
 
-#include "hosts/console/failure.h"
-#include "hosts/console/program_paths.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/program_paths.h"
 #include "typelib/classes.h"
 
 namespace forgeyard::console {

@@ -1,4 +1,4 @@
-#include "hosts/console/failure.h"
+#include "hosts/console/base/failure.h"
 
 #include <array>
 #include <cstdio>

@@ -1,8 +1,8 @@
-#include "hosts/console/configurations.h"
+#include "hosts/console/project/configurations.h"
 
-#include "hosts/console/collections.h"
-#include "hosts/console/failure.h"
-#include "hosts/console/nearest.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/nearest.h"
+#include "hosts/console/project/collections.h"
 #include "typelib/cookies.h"
 
 namespace forgeyard::console {

@@ -1,13 +1,13 @@
-#include "hosts/console/first_start.h"
+#include "hosts/console/session/first_start.h"
 
 #include <unistd.h>
 
 #include <array>
 #include <filesystem>
 
-#include "hosts/console/failure.h"
-#include "hosts/console/program_paths.h"
-#include "hosts/console/targets.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/program_paths.h"
+#include "hosts/console/session/targets.h"
 #include "platform/registry/registry_paths.h"
 
 namespace forgeyard::console {

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "hosts/console/project_file.h"
-#include "hosts/console/session.h"
+#include "hosts/console/project/project_file.h"
+#include "hosts/console/session/session.h"
 #include "typelib/configuration.h"
 #include "typelib/project.h"
 

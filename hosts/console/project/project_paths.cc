@@ -1,8 +1,8 @@
-#include "hosts/console/project_paths.h"
+#include "hosts/console/project/project_paths.h"
 
 #include <filesystem>
 
-#include "hosts/console/failure.h"
+#include "hosts/console/base/failure.h"
 #include "platform/files/host_location.h"
 #include "platform/paths/shell_path.h"
 

@@ -1,7 +1,7 @@
-#include "hosts/console/source_files.h"
+#include "hosts/console/project/source_files.h"
 
-#include "hosts/console/collections.h"
-#include "hosts/console/nearest.h"
+#include "hosts/console/base/nearest.h"
+#include "hosts/console/project/collections.h"
 
 namespace forgeyard::console {
 

@@ -2,11 +2,11 @@
 
 #include <optional>
 
-#include "hosts/console/console_loop.h"
-#include "hosts/console/module.h"
-#include "hosts/console/options.h"
-#include "hosts/console/report.h"
+#include "hosts/console/base/options.h"
+#include "hosts/console/base/report.h"
 #include "hosts/console/services/console_host.h"
+#include "hosts/console/session/console_loop.h"
+#include "hosts/console/session/module.h"
 #include "platform/threads/apartment.h"
 #include "typelib/buildtool.h"
 

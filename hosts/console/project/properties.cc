@@ -1,9 +1,9 @@
-#include "hosts/console/properties.h"
+#include "hosts/console/project/properties.h"
 
 #include <algorithm>
 #include <array>
 
-#include "hosts/console/failure.h"
+#include "hosts/console/base/failure.h"
 #include "platform/text/fold.h"
 
 namespace forgeyard::console {

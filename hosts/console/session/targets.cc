@@ -1,11 +1,11 @@
-#include "hosts/console/targets.h"
+#include "hosts/console/session/targets.h"
 
 #include <algorithm>
 #include <array>
 #include <filesystem>
 #include <set>
 
-#include "hosts/console/program_paths.h"
+#include "hosts/console/base/program_paths.h"
 #include "platform/paths/command_line.h"
 
 namespace forgeyard::console {

@@ -1,13 +1,13 @@
-#include "hosts/console/session.h"
+#include "hosts/console/session/session.h"
 
 #include <unistd.h>
 
 #include <memory>
 #include <thread>
 
-#include "hosts/console/failure.h"
-#include "hosts/console/first_start.h"
-#include "hosts/console/report.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/report.h"
+#include "hosts/console/session/first_start.h"
 #include "platform/threads/thread.h"
 #include "typelib/classes.h"
 

@@ -1,14 +1,14 @@
-#include "hosts/console/build_run.h"
+#include "hosts/console/build/build_run.h"
 
 #include <unistd.h>
 
 #include <cstring>
 
-#include "hosts/console/components.h"
-#include "hosts/console/configurations.h"
-#include "hosts/console/report.h"
-#include "hosts/console/stop_signals.h"
-#include "hosts/console/tool_processes.h"
+#include "hosts/console/base/report.h"
+#include "hosts/console/build/stop_signals.h"
+#include "hosts/console/build/tool_processes.h"
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/configurations.h"
 #include "platform/com/connection_point.h"
 #include "platform/storage/persist.h"
 

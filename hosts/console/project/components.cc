@@ -1,12 +1,12 @@
-#include "hosts/console/components.h"
+#include "hosts/console/project/components.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 
-#include "hosts/console/collections.h"
-#include "hosts/console/failure.h"
-#include "hosts/console/nearest.h"
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/nearest.h"
+#include "hosts/console/project/collections.h"
 #include "platform/storage/persist.h"
 #include "typelib/classes.h"
 #include "typelib/settings.h"

@@ -1,4 +1,4 @@
-#include "hosts/console/program_paths.h"
+#include "hosts/console/base/program_paths.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

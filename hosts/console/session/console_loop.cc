@@ -1,4 +1,4 @@
-#include "hosts/console/console_loop.h"
+#include "hosts/console/session/console_loop.h"
 
 #include <utility>
 #include <vector>
