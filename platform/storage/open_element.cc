@@ -1,6 +1,6 @@
 #include "platform/storage/open_element.h"
 
-#include "platform/storage/storage_object.h"
+#include "platform/storage/storage_view.h"
 #include "platform/storage/structured_storage.h"
 
 namespace forgeyard::compound {
@@ -17,9 +17,12 @@ OpenMode parseMode(std::uint32_t mode) {
           .create = (mode & STGM_CREATE) != 0};
 }
 
-void OpenElement::detach() noexcept {
+void OpenElement::close() noexcept {
+  const std::lock_guard lock(session_->mutex);
+  const HRESULT flushed = guard([this] { flush(); });
+  if (failed(flushed)) session_->lost = flushed;
   if (parent_) parent_->forget(name_);
-  parent_ = nullptr;
+  cutOff();
 }
 
 }  // namespace forgeyard::compound

@@ -11,7 +11,7 @@
 
 namespace forgeyard::compound {
 
-class StorageObject;
+class StorageView;
 
 // What all open objects of one project file share.
 struct Session {
@@ -36,36 +36,41 @@ struct OpenMode {
 // can't be served.
 OpenMode parseMode(std::uint32_t mode);
 
-// An open stream or sub-storage as its parent knows it, or the root. A parent that goes, or whose version
-// goes, cuts its elements off; they answer every operation with STG_E_REVERTED from then on. All members want
-// the session's mutex held.
+// The state of an open stream or storage. Its parent knows it as long as it is open, and cuts it off when it
+// goes itself or when the version goes that the element belongs to; from then on every operation gives
+// STG_E_REVERTED. The COM object owns the state and closes it at its end. A state is no COM object itself,
+// since its parent may call it while the object's last reference is going on another thread.
 class OpenElement {
  public:
   OpenElement(const OpenElement&) = delete;
   OpenElement& operator=(const OpenElement&) = delete;
 
-  // Hands bytes that are buffered here and below to the parent's version.
+  // Ends the element's life in its parent. What is buffered is not lost.
+  void close() noexcept;
+
+  // With the session's mutex held, as all members below:
+  // hands bytes that are buffered here and below to the parent's version.
   virtual void flush() = 0;
   virtual void cutOff() noexcept = 0;
 
  protected:
-  OpenElement() = default;
+  OpenElement(std::shared_ptr<Session> session, StorageView* parent, const BString& name)
+      : session_(std::move(session)), parent_(parent), name_(name) {}
   ~OpenElement() = default;
 
-  void attach(std::shared_ptr<Session> session, StorageObject* parent, const BString& name) {
-    session_ = std::move(session);
-    parent_ = parent;
-    name_ = name;
-  }
-  // Takes this out of its parent's list, if it has a parent still.
-  void detach() noexcept;
-  void requireAlive() const {
-    if (reverted_) throw StatusError(STG_E_REVERTED);
+  // Runs the body of an operation under the session's mutex, unless this is cut off.
+  template <class Body>
+  HRESULT run(Body&& body) {
+    return guard([&] {
+      const std::lock_guard lock(session_->mutex);
+      if (reverted_) throw StatusError(STG_E_REVERTED);
+      return body();
+    });
   }
 
-  std::shared_ptr<Session> session_;
-  StorageObject* parent_ = nullptr;
-  BString name_;  // as the parent has it
+  const std::shared_ptr<Session> session_;
+  StorageView* parent_;  // null for the root, and once cut off
+  BString name_;         // as the parent has it
   bool reverted_ = false;
 };
 

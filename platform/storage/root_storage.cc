@@ -1,6 +1,5 @@
 #include "platform/storage/root_storage.h"
 
-#include <optional>
 #include <utility>
 
 #include "platform/storage/compound_layout.h"
@@ -22,29 +21,48 @@ OpenMode rootMode(std::uint32_t mode) {
   return wanted;
 }
 
-// The file to be replaced if there is one; only its lock is wanted.
-std::optional<LockedFile> openToReplace(const FilePlace& place) {
+// The file of a new root: the one that stands there, whose contents go with the first commit, or an empty
+// one.
+struct NewRoot {
+  LockedFile file;
+  bool unwritten;
+};
+
+NewRoot openToReplace(const FilePlace& place) {
+  return {LockedFile::open(place, true), true};
+}
+
+NewRoot createEmpty(const FilePlace& place, const StorageTree& empty) {
+  const CompoundLayout layout(empty);
+  return {LockedFile::create(place, writerOf(layout)), false};
+}
+
+NewRoot replaceOrCreate(const FilePlace& place, const StorageTree& empty) {
   try {
-    return LockedFile::open(place, true);
+    return openToReplace(place);
   } catch (const StatusError& error) {
     if (error.status() != STG_E_FILENOTFOUND) throw;
-    return std::nullopt;
   }
+  try {
+    return createEmpty(place, empty);
+  } catch (const StatusError& error) {
+    // Somebody made the file in between.
+    if (error.status() != STG_E_FILEALREADYEXISTS) throw;
+  }
+  return openToReplace(place);
 }
 
 }  // namespace
 
-RootStorage::RootStorage(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents,
-                         bool unwritten)
-    : file_(std::move(file)),
+RootView::RootView(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents,
+                   bool unwritten)
+    : StorageView(std::make_shared<Session>(file.place()), nullptr, name, mode, contents.root),
+      file_(std::move(file)),
       committed_(std::move(contents.root)),
       damage_(std::move(contents.damage)),
-      unwritten_(unwritten) {
-  attach(std::make_shared<Session>(file_.place()), nullptr, name);
-  start(mode, committed_);
-}
+      unwritten_(unwritten) {}
 
-void RootStorage::commitOwn(std::uint32_t flags) {
+void RootView::commitOwn(std::uint32_t flags) {
   if (own_ == committed_ && !unwritten_) return;
   const CompoundLayout layout(*own_);
   const HRESULT durable = file_.replace(writerOf(layout), (flags & STGC_ONLYIFCURRENT) != 0);
@@ -55,7 +73,7 @@ void RootStorage::commitOwn(std::uint32_t flags) {
   check(durable);
 }
 
-HRESULT RootStorage::SwitchToFile(const BString& path) {
+HRESULT RootView::SwitchToFile(const BString& path) {
   return run([&] {
     requireWritable();
     const CompoundLayout layout(*committed_);
@@ -67,7 +85,7 @@ HRESULT RootStorage::SwitchToFile(const BString& path) {
   });
 }
 
-HRESULT RootStorage::Findings(std::vector<BString>* out) {
+HRESULT RootView::Findings(std::vector<BString>* out) {
   if (!out) return STG_E_INVALIDPOINTER;
   return run([&] {
     out->clear();
@@ -80,15 +98,9 @@ Ref<IStorage> createRoot(FileCalls& calls, const std::string& hostPath, const BS
   const OpenMode wanted = rootMode(mode);
   if (!wanted.write) throw StatusError(STG_E_INVALIDFUNCTION);
   const FilePlace place = FilePlace::resolve(calls, hostPath);
-  const CompoundContents empty{.root = std::make_shared<StorageTree>(), .damage = {}};
-  if (wanted.create) {
-    if (std::optional<LockedFile> old = openToReplace(place)) {
-      return Ref<IStorage>(make<RootStorage>(*std::move(old), name, wanted, empty, true));
-    }
-  }
-  const CompoundLayout layout(*empty.root);
-  return Ref<IStorage>(
-      make<RootStorage>(LockedFile::create(place, writerOf(layout)), name, wanted, empty, false));
+  CompoundContents empty{.root = std::make_shared<StorageTree>(), .damage = {}};
+  NewRoot fresh = wanted.create ? replaceOrCreate(place, *empty.root) : createEmpty(place, *empty.root);
+  return make<RootStorage>(std::move(fresh.file), name, wanted, std::move(empty), fresh.unwritten);
 }
 
 Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BString& name,
@@ -97,7 +109,7 @@ Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BStr
   if (wanted.create) throw StatusError(STG_E_INVALIDFUNCTION);
   LockedFile file = LockedFile::open(FilePlace::resolve(calls, hostPath), wanted.write);
   CompoundContents contents = readCompoundFile(file.file());
-  return Ref<IStorage>(make<RootStorage>(std::move(file), name, wanted, std::move(contents), false));
+  return make<RootStorage>(std::move(file), name, wanted, std::move(contents), false);
 }
 
 }  // namespace forgeyard::compound

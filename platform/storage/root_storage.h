@@ -12,20 +12,18 @@
 
 namespace forgeyard::compound {
 
-// The root of a project file: owns the locked file, and beside its version the one that the file holds.
+// The state of an open root: owns the locked file, and beside its own version the one that the file holds.
 // Always transacted.
-class RootStorage final : public ComObject<StorageObject, IRootStorage, IDamageReport> {
+class RootView final : public StorageView {
  public:
   // `name` is the path as the caller gave it. Where `unwritten` is set the file holds something else than
   // `contents` until the first commit.
-  RootStorage(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents, bool unwritten);
+  RootView(LockedFile file, const BString& name, OpenMode mode, CompoundContents contents, bool unwritten);
 
-  HRESULT SwitchToFile(const BString& path) override;
-  HRESULT Findings(std::vector<BString>* out) override;
+  HRESULT SwitchToFile(const BString& path);
+  HRESULT Findings(std::vector<BString>* out);
 
  private:
-  ~RootStorage() override { close(); }
-
   void commitOwn(std::uint32_t flags) override;
   std::shared_ptr<StorageTree> committed() const override { return committed_; }
 
@@ -33,6 +31,14 @@ class RootStorage final : public ComObject<StorageObject, IRootStorage, IDamageR
   std::shared_ptr<StorageTree> committed_;
   std::vector<std::string> damage_;
   bool unwritten_;
+};
+
+class RootStorage final : public StorageObject<RootView, IRootStorage, IDamageReport> {
+ public:
+  using StorageObject::StorageObject;
+
+  HRESULT SwitchToFile(const BString& path) override { return state().SwitchToFile(path); }
+  HRESULT Findings(std::vector<BString>* out) override { return state().Findings(out); }
 };
 
 // StgCreateDocfile and StgOpenStorage for a host path. They throw StatusError.

@@ -5,6 +5,8 @@
 #include <functional>
 #include <random>
 
+#include "platform/storage/root_storage.h"
+#include "tests/storage/faulty_calls.h"
 #include "tests/storage/image_builder.h"
 #include "tests/storage/storage_testing.h"
 #include "tests/storage/strict_reader.h"
@@ -65,7 +67,7 @@ class DamagedFile : public StorageTest {
       put(inner ? sub.get() : root.get(), BString::fromNarrow(inner ? name.substr(4) : name), pattern(size));
     }
     check(root->Commit(STGC_DEFAULT));
-    sound_ = contentOf(host());
+    sound_ = stored();
   }
 
   // Every stream as "name" if it is whole, "name:bytes" if its size is another; one that breaks off says so.
@@ -120,7 +122,7 @@ TEST_F(DamagedFile, WithoutHeaderOrRootIsRefused) {
     row.spoil(image);
     directory_.put("p.nqp", image.bytes);
     EXPECT_EQ(openStatus(), row.status) << row.what;
-    EXPECT_TRUE(contentOf(host()) == image.bytes) << row.what;
+    EXPECT_TRUE(stored() == image.bytes) << row.what;
   }
 }
 
@@ -196,8 +198,7 @@ TEST_F(DamagedFile, KeepsWhatIsReadable) {
     EXPECT_EQ(!findingsOf(root.get()).empty(), row.reported) << row.what;
     put(root.get(), u"Added", "x");
     check(root->Commit(STGC_ONLYIFCURRENT));
-    EXPECT_THAT(readStrictly(contentOf(host())).complaints, IsEmpty())
-        << row.what << ": what is written is sound";
+    EXPECT_THAT(readStrictly(stored()).complaints, IsEmpty()) << row.what << ": what is written is sound";
   }
 }
 
@@ -285,6 +286,8 @@ TEST_F(DamagedFile, RandomDamageEndsInAStatus) {
   const std::string large = buildImage({{.name = u"Long", .bytes = pattern(20000), .children = {}},
                                         {.name = u"Short", .bytes = pattern(200), .children = {}}},
                                        {.sectorShift = 12, .scattered = true, .cutLastSector = false});
+  FaultyCalls calls;
+  calls.noSync = true;
   int opened = 0;
   for (int round = 0; round < 300; ++round) {
     std::string bytes = round % 2 ? sound_ : large;
@@ -297,12 +300,12 @@ TEST_F(DamagedFile, RandomDamageEndsInAStatus) {
     if (round % 5 == 0) bytes.resize(random() % bytes.size());
     directory_.put("p.nqp", bytes);
     Ref<IStorage> root;
-    if (failed(StgOpenStorage(path(), kChangeRoot, &root))) continue;
+    if (failed(guard([&] { root = compound::openRoot(calls, host(), path(), kChangeRoot); }))) continue;
     ++opened;
     contentsOf(root.get());
     put(root.get(), u"Added", "x");
     check(root->Commit(STGC_DEFAULT));
-    EXPECT_THAT(readStrictly(contentOf(host())).complaints, IsEmpty()) << round;
+    EXPECT_THAT(readStrictly(stored()).complaints, IsEmpty()) << round;
   }
   EXPECT_GT(opened, 50);
 }

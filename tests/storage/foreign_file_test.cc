@@ -52,7 +52,7 @@ TEST_F(ForeignFile, EitherSectorSizeHoweverTheSectorsLie) {
       EXPECT_TRUE(contentsOf(storage.get()) == expected) << shift << scattered;
       put(storage.get(), u"New", "n");
       check(storage->Commit(STGC_ONLYIFCURRENT));
-      const StrictReading written = readStrictly(contentOf(host()));
+      const StrictReading written = readStrictly(stored());
       EXPECT_THAT(written.complaints, IsEmpty());
       EXPECT_EQ(written.contents.size(), expected.size() + 1);
     }
@@ -106,8 +106,8 @@ class OtherPrograms : public StorageTest {
 
   std::string output(const std::string& command) const {
     EXPECT_EQ(std::system(("cd '" + directory_.path() + "' && " + command + " >out 2>&1").c_str()), 0)
-        << contentOf(host("out"));
-    return contentOf(host("out"));
+        << stored("out");
+    return stored("out");
   }
 
   void writeSample() const {

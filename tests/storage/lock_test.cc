@@ -118,7 +118,7 @@ TEST_F(Lock, AKillAtAnyMomentLeavesAWholeState) {
     ASSERT_GT(now, state);
     ASSERT_TRUE(contents.at("Long") == pattern(20000 + now % 7 * 30000, now)) << now;
     ASSERT_TRUE(contents.at("Short") == pattern(now % 5 * 1000, now)) << now;
-    ASSERT_THAT(readStrictly(contentOf(host())).complaints, testing::IsEmpty());
+    ASSERT_THAT(readStrictly(stored()).complaints, testing::IsEmpty());
     ASSERT_THAT(files(), testing::ElementsAre("p.nqp"));
     state = now;
   }

@@ -18,7 +18,7 @@ class RoundTrip : public StorageTest {
  protected:
   // Reads the file by both readers; they agree, and nothing is wrong.
   Contents reopened() const {
-    const StrictReading strict = readStrictly(contentOf(host()));
+    const StrictReading strict = readStrictly(stored());
     EXPECT_THAT(strict.complaints, IsEmpty());
     const Ref<IStorage> root = open(kReadRoot);
     EXPECT_THAT(findingsOf(root.get()), IsEmpty());
@@ -79,7 +79,7 @@ TEST_F(RoundTrip, FilesAroundTheSizeWhereTheFatOutgrowsTheHeader) {
       check(root->Commit(STGC_DEFAULT));
     }
     EXPECT_TRUE(reopened() == (Contents{{"Large", bytes}})) << more;
-    const std::string file = contentOf(host());
+    const std::string file = stored();
     EXPECT_EQ(compound::loadLittle<std::uint32_t>(reinterpret_cast<const std::uint8_t*>(&file[44])),
               fatSectors);
     EXPECT_EQ(compound::loadLittle<std::uint32_t>(reinterpret_cast<const std::uint8_t*>(&file[72])),
@@ -135,13 +135,13 @@ TEST_F(RoundTrip, WritingWhatWasReadGivesTheSameBytes) {
     put(createStorage(root.get(), u"Sub", kCreate).get(), u"Inner", pattern(5000));
     check(root->Commit(STGC_DEFAULT));
   }
-  const std::string first = contentOf(host());
+  const std::string first = stored();
   {
     const Ref<IStorage> root = open();
     put(root.get(), u"Short", pattern(100));
     check(root->Commit(STGC_DEFAULT));
   }
-  EXPECT_TRUE(contentOf(host()) == first);
+  EXPECT_TRUE(stored() == first);
 }
 
 TEST_F(RoundTrip, ANewFileIsAnEmptyCompoundFileAtOnce) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "platform/com/enumerators.h"
 
@@ -43,6 +44,12 @@ Ref<IStorage> StorageTest::open(std::uint32_t mode, const std::string& name) con
 HRESULT StorageTest::openStatus(std::uint32_t mode, const std::string& name) const {
   Ref<IStorage> root;
   return StgOpenStorage(path(name), mode, &root);
+}
+
+std::string StorageTest::stored(const std::string& name) const {
+  std::string bytes(std::filesystem::file_size(host(name)), '\0');
+  std::ifstream(host(name), std::ios::binary).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  return bytes;
 }
 
 std::vector<std::string> StorageTest::files() const {

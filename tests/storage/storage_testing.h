@@ -38,6 +38,8 @@ class StorageTest : public testing::Test {
   Ref<IStorage> create(const std::string& name = "p.nqp") const;
   Ref<IStorage> open(std::uint32_t mode = kChangeRoot, const std::string& name = "p.nqp") const;
   HRESULT openStatus(std::uint32_t mode = kChangeRoot, const std::string& name = "p.nqp") const;
+  // The bytes of a file.
+  std::string stored(const std::string& name = "p.nqp") const;
   // What stands in the directory.
   std::vector<std::string> files() const;
 

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <thread>
 
 #include "tests/storage/storage_testing.h"
 
@@ -25,12 +26,12 @@ class Transaction : public StorageTest {
 };
 
 TEST_F(Transaction, NothingReachesTheFileBeforeTheRootsCommit) {
-  const std::string before = contentOf(host());
+  const std::string before = stored();
   const Ref<IStorage> sub = createStorage(root_.get(), u"Sub");
   put(root_.get(), u"S", pattern(10'000'000));
   put(sub.get(), u"T", "t");
   check(sub->Commit(STGC_ONLYIFCURRENT));
-  EXPECT_TRUE(contentOf(host()) == before);
+  EXPECT_TRUE(stored() == before);
   EXPECT_THAT(files(), ElementsAre("p.nqp"));
   EXPECT_THAT(onDisk(), IsEmpty());
 }
@@ -147,6 +148,22 @@ TEST_F(Transaction, ElementsAreCutOffWhenTheirParentGoes) {
   EXPECT_EQ(openStatus(), S_OK) << "the lock has gone with the root";
 }
 
+TEST_F(Transaction, LastReferencesMayGoOnAnotherThread) {
+  for (int round = 0; round < 50; ++round) {
+    Ref<IStorage> sub = createStorage(root_.get(), u"Sub", kCreate);
+    Ref<IStream> stream = createStream(sub.get(), u"S");
+    write(stream.get(), "bytes");
+    std::thread other([stream = std::move(stream), sub = std::move(sub)]() mutable {
+      stream = nullptr;
+      sub = nullptr;
+    });
+    put(root_.get(), u"T", std::to_string(round));
+    elementsOf(root_.get());
+    check(root_->Revert());
+    other.join();
+  }
+}
+
 TEST_F(Transaction, CommitOfNoChangeLeavesTheFileAlone) {
   put(root_.get(), u"S", "x");
   check(root_->Commit(STGC_DEFAULT));
@@ -167,7 +184,7 @@ TEST_F(Transaction, CreatingOverAFileKeepsTheOldOneUntilTheCommit) {
   root_ = nullptr;
   directory_.put("p.nqp", "no compound file at all");
   root_ = create();
-  EXPECT_EQ(contentOf(host()), "no compound file at all");
+  EXPECT_EQ(stored(), "no compound file at all");
   EXPECT_EQ(openStatus(), STG_E_SHAREVIOLATION);
   check(root_->Revert());
   check(root_->Commit(STGC_DEFAULT));
@@ -204,12 +221,12 @@ TEST_F(Transaction, SwitchingTakesTheCommittedStateAndKeepsTheRest) {
 
 TEST_F(Transaction, CommitNoticesThatTheFileChangedBehindTheLock) {
   put(root_.get(), u"S", "ours");
-  const std::string before = contentOf(host());
+  const std::string before = stored();
 
   std::filesystem::remove(host());
   directory_.put("p.nqp", "another file");
   EXPECT_EQ(root_->Commit(STGC_ONLYIFCURRENT), STG_E_NOTCURRENT);
-  EXPECT_EQ(contentOf(host()), "another file");
+  EXPECT_EQ(stored(), "another file");
   check(root_->Commit(STGC_DEFAULT));
 
   put(root_.get(), u"S", "ours again");

@@ -1,4 +1,4 @@
-#include "platform/storage/stream_object.h"
+#include "platform/storage/stream_cursor.h"
 
 #include <limits>
 #include <mutex>
@@ -14,29 +14,11 @@ constexpr std::size_t kFirstPageBytes = 512;
 
 }  // namespace
 
-StreamObject::StreamObject(std::shared_ptr<Session> session, StorageObject* parent, const BString& name,
+StreamCursor::StreamCursor(std::shared_ptr<Session> session, StorageView* parent, const BString& name,
                            OpenMode mode)
-    : mode_(mode) {
-  attach(std::move(session), parent, name);
-}
+    : OpenElement(std::move(session), parent, name), mode_(mode) {}
 
-StreamObject::~StreamObject() {
-  const std::lock_guard lock(session_->mutex);
-  const HRESULT flushed = guard([this] { flush(); });
-  if (failed(flushed)) session_->lost = flushed;
-  detach();
-}
-
-template <class Body>
-HRESULT StreamObject::run(Body&& body) {
-  return guard([&] {
-    const std::lock_guard lock(session_->mutex);
-    requireAlive();
-    return body();
-  });
-}
-
-HRESULT StreamObject::readOn(void* bytes, std::uint32_t count, std::uint32_t* read) {
+HRESULT StreamCursor::readOn(void* bytes, std::uint32_t count, std::uint32_t* read) {
   std::uint32_t dummy = 0;
   std::uint32_t& done = read ? *read : dummy;
   done = 0;
@@ -52,7 +34,7 @@ HRESULT StreamObject::readOn(void* bytes, std::uint32_t count, std::uint32_t* re
   });
 }
 
-HRESULT StreamObject::writeOn(const void* bytes, std::uint32_t count, std::uint32_t* written) {
+HRESULT StreamCursor::writeOn(const void* bytes, std::uint32_t count, std::uint32_t* written) {
   std::uint32_t dummy = 0;
   std::uint32_t& done = written ? *written : dummy;
   done = 0;
@@ -65,7 +47,7 @@ HRESULT StreamObject::writeOn(const void* bytes, std::uint32_t count, std::uint3
   });
 }
 
-std::uint32_t StreamObject::readSome(std::uint8_t* to, std::uint32_t count) {
+std::uint32_t StreamCursor::readSome(std::uint8_t* to, std::uint32_t count) {
   if (cursor_ == kPageSize) moveTo(position());
   loadPage();
   const std::size_t left = cursor_ < used_ ? used_ - cursor_ : 0;
@@ -75,7 +57,7 @@ std::uint32_t StreamObject::readSome(std::uint8_t* to, std::uint32_t count) {
   return part;
 }
 
-std::uint32_t StreamObject::writeSome(const std::uint8_t* from, std::uint32_t count) {
+std::uint32_t StreamCursor::writeSome(const std::uint8_t* from, std::uint32_t count) {
   if (cursor_ == kPageSize) moveTo(position());
   loadPage();
   const std::uint32_t part = static_cast<std::uint32_t>(std::min<std::size_t>(count, kPageSize - cursor_));
@@ -85,7 +67,7 @@ std::uint32_t StreamObject::writeSome(const std::uint8_t* from, std::uint32_t co
   return part;
 }
 
-HRESULT StreamObject::Seek(std::int64_t offset, StreamSeek origin, std::uint64_t* newPosition) {
+HRESULT StreamCursor::Seek(std::int64_t offset, StreamSeek origin, std::uint64_t* newPosition) {
   return run([&] {
     std::uint64_t from = 0;
     if (origin == StreamSeek::Current) from = position();
@@ -105,7 +87,7 @@ HRESULT StreamObject::Seek(std::int64_t offset, StreamSeek origin, std::uint64_t
   });
 }
 
-HRESULT StreamObject::SetSize(std::uint64_t bytes) {
+HRESULT StreamCursor::SetSize(std::uint64_t bytes) {
   return run([&] {
     if (!mode_.write) throw StatusError(STG_E_ACCESSDENIED);
     if (bytes > kMaxStreamSize) throw StatusError(STG_E_MEDIUMFULL);
@@ -115,41 +97,41 @@ HRESULT StreamObject::SetSize(std::uint64_t bytes) {
   });
 }
 
-HRESULT StreamObject::Commit(std::uint32_t) {
+HRESULT StreamCursor::Commit() {
   return run([&] { flush(); });
 }
 
-HRESULT StreamObject::Stat(STATSTG* out) {
+HRESULT StreamCursor::Stat(STATSTG* out) {
   if (!out) return STG_E_INVALIDPOINTER;
   return run([&] { *out = {.name = name_, .type = StgType::Stream, .size = size(), .clsid = GUID_NULL}; });
 }
 
-std::uint64_t StreamObject::size() const {
+std::uint64_t StreamCursor::size() const {
   return std::max(parent_->streamOf(name_).size(), changed_ ? pageStart_ + used_ : 0);
 }
 
-void StreamObject::flush() {
+void StreamCursor::flush() {
   if (!changed_) return;
   std::vector<std::uint8_t> bytes(page_.begin(), page_.begin() + static_cast<std::ptrdiff_t>(used_));
   parent_->changeStreamOf(name_).replacePage(pageStart_ / kPageSize, std::move(bytes), *session_->scratch);
   changed_ = false;
 }
 
-void StreamObject::cutOff() noexcept {
+void StreamCursor::cutOff() noexcept {
   dropPage();
   changed_ = false;
   reverted_ = true;
   parent_ = nullptr;
 }
 
-void StreamObject::moveTo(std::uint64_t position) {
+void StreamCursor::moveTo(std::uint64_t position) {
   flush();
   dropPage();
   cursor_ = static_cast<std::size_t>(position % kPageSize);
   pageStart_ = position - cursor_;
 }
 
-void StreamObject::loadPage() {
+void StreamCursor::loadPage() {
   if (loaded_) return;
   const StreamContent& content = parent_->streamOf(name_);
   const std::uint64_t left = content.size() > pageStart_ ? content.size() - pageStart_ : 0;
@@ -160,17 +142,17 @@ void StreamObject::loadPage() {
   setLimits();
 }
 
-void StreamObject::dropPage() noexcept {
+void StreamCursor::dropPage() noexcept {
   loaded_ = false;
   setLimits();
 }
 
-void StreamObject::growPage(std::size_t bytes) {
+void StreamCursor::growPage(std::size_t bytes) {
   page_.resize(std::min(kPageSize, std::max({bytes, 2 * page_.size(), kFirstPageBytes})));
   setLimits();
 }
 
-void StreamObject::setLimits() noexcept {
+void StreamCursor::setLimits() noexcept {
   const std::uint64_t room = kMaxStreamSize > pageStart_ ? kMaxStreamSize - pageStart_ : 0;
   readableEnd_ = loaded_ && mode_.read ? used_ : 0;
   writableEnd_ =

@@ -1,8 +1,9 @@
-#include "platform/storage/storage_object.h"
+#include "platform/storage/storage_view.h"
 
 #include <vector>
 
 #include "platform/com/enumerators.h"
+#include "platform/storage/storage_object.h"
 #include "platform/storage/stream_object.h"
 
 namespace forgeyard::compound {
@@ -19,38 +20,38 @@ STATSTG describe(const Element& element) {
 
 }  // namespace
 
-HRESULT StorageObject::CreateStream(const BString& name, std::uint32_t mode, Ref<IStream>* out) {
+HRESULT StorageView::CreateStream(const BString& name, std::uint32_t mode, Ref<IStream>* out) {
   return produce(out, [&] {
     const OpenMode wanted = modeToCreate(mode, Kind::Stream);
     addElement({.name = name, .stream = std::make_shared<StreamContent>(), .storage = nullptr},
                wanted.create);
-    return openStream(name, wanted);
+    return openElement<StreamObject>(name, wanted);
   });
 }
 
-HRESULT StorageObject::OpenStream(const BString& name, std::uint32_t mode, Ref<IStream>* out) {
+HRESULT StorageView::OpenStream(const BString& name, std::uint32_t mode, Ref<IStream>* out) {
   return produce(out, [&] {
     const OpenMode wanted = modeToOpen(mode, Kind::Stream);
-    return openStream(findToOpen(name, Kind::Stream).name, wanted);
+    return openElement<StreamObject>(findToOpen(name, Kind::Stream).name, wanted);
   });
 }
 
-HRESULT StorageObject::CreateStorage(const BString& name, std::uint32_t mode, Ref<IStorage>* out) {
+HRESULT StorageView::CreateStorage(const BString& name, std::uint32_t mode, Ref<IStorage>* out) {
   return produce(out, [&] {
     const OpenMode wanted = modeToCreate(mode, Kind::Storage);
     addElement({.name = name, .stream = nullptr, .storage = std::make_shared<StorageTree>()}, wanted.create);
-    return openStorage(name, wanted);
+    return openElement<SubStorage>(name, wanted);
   });
 }
 
-HRESULT StorageObject::OpenStorage(const BString& name, std::uint32_t mode, Ref<IStorage>* out) {
+HRESULT StorageView::OpenStorage(const BString& name, std::uint32_t mode, Ref<IStorage>* out) {
   return produce(out, [&] {
     const OpenMode wanted = modeToOpen(mode, Kind::Storage);
-    return openStorage(findToOpen(name, Kind::Storage).name, wanted);
+    return openElement<SubStorage>(findToOpen(name, Kind::Storage).name, wanted);
   });
 }
 
-HRESULT StorageObject::Commit(std::uint32_t flags) {
+HRESULT StorageView::Commit(std::uint32_t flags) {
   return run([&] {
     requireWritable();
     flushElements();
@@ -59,7 +60,7 @@ HRESULT StorageObject::Commit(std::uint32_t flags) {
   });
 }
 
-HRESULT StorageObject::Revert() {
+HRESULT StorageView::Revert() {
   return run([&] {
     if (!own_) return;
     cutOffElements();
@@ -67,7 +68,7 @@ HRESULT StorageObject::Revert() {
   });
 }
 
-HRESULT StorageObject::EnumElements(Ref<IEnumSTATSTG>* out) {
+HRESULT StorageView::EnumElements(Ref<IEnumSTATSTG>* out) {
   return produce(out, [&] {
     flushElements();
     std::vector<STATSTG> elements;
@@ -77,7 +78,7 @@ HRESULT StorageObject::EnumElements(Ref<IEnumSTATSTG>* out) {
   });
 }
 
-HRESULT StorageObject::DestroyElement(const BString& name) {
+HRESULT StorageView::DestroyElement(const BString& name) {
   return run([&] {
     requireWritable();
     find(name);
@@ -85,79 +86,71 @@ HRESULT StorageObject::DestroyElement(const BString& name) {
   });
 }
 
-HRESULT StorageObject::SetClass(const Guid& clsid) {
+HRESULT StorageView::SetClass(const Guid& clsid) {
   return run([&] {
     requireWritable();
     if (version().clsid != clsid) changeVersion().clsid = clsid;
   });
 }
 
-HRESULT StorageObject::Stat(STATSTG* out) {
+HRESULT StorageView::Stat(STATSTG* out) {
   if (!out) return STG_E_INVALIDPOINTER;
   return run([&] { *out = {.name = name_, .type = StgType::Storage, .size = 0, .clsid = version().clsid}; });
 }
 
-void StorageObject::flush() {
+void StorageView::flush() {
   // A version of its own is no business of the parent's before it is committed.
   if (!own_) flushElements();
 }
 
-void StorageObject::flushElements() {
+void StorageView::flushElements() {
   for (const auto& [name, element] : open_) element->flush();
 }
 
-void StorageObject::cutOff() noexcept {
+void StorageView::cutOff() noexcept {
   cutOffElements();
   reverted_ = true;
   parent_ = nullptr;
   own_ = nullptr;
 }
 
-void StorageObject::cutOffElements() noexcept {
+void StorageView::cutOffElements() noexcept {
   for (const auto& [name, element] : open_) element->cutOff();
   open_.clear();
 }
 
-void StorageObject::close() noexcept {
-  const std::lock_guard lock(session_->mutex);
-  const HRESULT flushed = guard([this] { flush(); });
-  if (failed(flushed)) session_->lost = flushed;
-  detach();
-  cutOff();
-}
-
-void StorageObject::requireWritable() const {
+void StorageView::requireWritable() const {
   if (!mode_.write) throw StatusError(STG_E_ACCESSDENIED);
 }
 
-OpenMode StorageObject::modeToCreate(std::uint32_t mode, Kind kind) const {
+OpenMode StorageView::modeToCreate(std::uint32_t mode, Kind kind) const {
   const OpenMode wanted = parseMode(mode);
   if (kind == Kind::Stream && wanted.transacted) throw StatusError(STG_E_INVALIDFUNCTION);
   requireWritable();
   return wanted;
 }
 
-OpenMode StorageObject::modeToOpen(std::uint32_t mode, Kind kind) const {
+OpenMode StorageView::modeToOpen(std::uint32_t mode, Kind kind) const {
   const OpenMode wanted = parseMode(mode);
   if (wanted.create || (kind == Kind::Stream && wanted.transacted)) throw StatusError(STG_E_INVALIDFUNCTION);
   if (wanted.write) requireWritable();
   return wanted;
 }
 
-const Element& StorageObject::find(const BString& name) const {
+const Element& StorageView::find(const BString& name) const {
   const Element* element = version().find(name);
   if (!element) throw StatusError(isValidName(name) ? STG_E_FILENOTFOUND : STG_E_INVALIDNAME);
   return *element;
 }
 
-const Element& StorageObject::findToOpen(const BString& name, Kind kind) const {
+const Element& StorageView::findToOpen(const BString& name, Kind kind) const {
   const Element& element = find(name);
   if ((kind == Kind::Stream) != (element.stream != nullptr)) throw StatusError(STG_E_FILENOTFOUND);
   if (open_.contains(name)) throw StatusError(STG_E_ACCESSDENIED);
   return element;
 }
 
-void StorageObject::addElement(Element element, bool replace) {
+void StorageView::addElement(Element element, bool replace) {
   if (!isValidName(element.name)) throw StatusError(STG_E_INVALIDNAME);
   if (version().find(element.name)) {
     if (!replace) throw StatusError(STG_E_FILEALREADYEXISTS);
@@ -166,7 +159,7 @@ void StorageObject::addElement(Element element, bool replace) {
   changeVersion().insert(std::move(element));
 }
 
-void StorageObject::removeElement(const BString& name) {
+void StorageView::removeElement(const BString& name) {
   StorageTree& changed = changeVersion();
   if (const auto open = open_.find(name); open != open_.end()) {
     open->second->cutOff();
@@ -175,43 +168,31 @@ void StorageObject::removeElement(const BString& name) {
   changed.erase(name);
 }
 
-// In both the object enters the list before anything can fail that would end its life under the mutex.
-Ref<IStream> StorageObject::openStream(const BString& name, OpenMode mode) {
+// The element enters the list first: nothing may fail later that would end the object's life under the mutex.
+template <class Object>
+Ref<Object> StorageView::openElement(const BString& name, OpenMode mode) {
   const auto slot = open_.try_emplace(name, nullptr).first;
   try {
-    const Ref<StreamObject> stream = make<StreamObject>(session_, this, name, mode);
-    slot->second = stream.get();
-    return stream;
+    Ref<Object> object = make<Object>(session_, this, name, mode);
+    slot->second = &object->state();
+    return object;
   } catch (...) {
     open_.erase(slot);
     throw;
   }
 }
 
-Ref<IStorage> StorageObject::openStorage(const BString& name, OpenMode mode) {
-  const auto slot = open_.try_emplace(name, nullptr).first;
-  try {
-    const Ref<SubStorage> storage = make<SubStorage>(session_, this, name, mode);
-    slot->second = storage.get();
-    return storage;
-  } catch (...) {
-    open_.erase(slot);
-    throw;
-  }
-}
+SubStorageView::SubStorageView(std::shared_ptr<Session> session, StorageView* parent, const BString& name,
+                               OpenMode mode)
+    : StorageView(std::move(session), parent, name, mode,
+                  mode.transacted ? std::as_const(*parent).storageOf(name) : nullptr) {}
 
-SubStorage::SubStorage(std::shared_ptr<Session> session, StorageObject* parent, const BString& name,
-                       OpenMode mode) {
-  attach(std::move(session), parent, name);
-  start(mode, mode.transacted ? std::as_const(*parent).storageOf(name) : nullptr);
-}
-
-void SubStorage::commitOwn(std::uint32_t) {
+void SubStorageView::commitOwn(std::uint32_t) {
   // Exclusive, so nobody else can have changed the parent's version of this storage: it is always current.
   if (committed() != own_) parent_->changeStorageOf(name_) = own_;
 }
 
-std::shared_ptr<StorageTree> SubStorage::committed() const {
+std::shared_ptr<StorageTree> SubStorageView::committed() const {
   return std::as_const(*parent_).storageOf(name_);
 }
 
