@@ -13,13 +13,11 @@ fy folder add "text tools" --filter "c;h"
 fy file add --folder src src/*.c
 fy file add --folder "text tools" "text tools"/*.c "text tools"/*.h
 
-# Two configurations. Each builds for its own target in its own directories.
-fy config add native
+# Two configurations, each with a target and directories of its own; the second begins as a copy of the first.
+fy config set Name=native Target=native OutputDirectory='out\native' IntermediateDirectory='obj\native' \
+  UpdateFileDependencies=yes
 fy config add mips --from native
-for name in native mips; do
-  fy -c "$name" config set Target="$name" OutputDirectory="out/$name" IntermediateDirectory="obj/$name" \
-    UpdateFileDependencies=1
-done
+fy -c mips config set Target=mips OutputDirectory='out\mips' IntermediateDirectory='obj\mips'
 
 # The folders give their files to the compiler, the compiler gives its objects to the linker.
 fy component add cc compile
@@ -28,9 +26,12 @@ fy connect src compile
 fy connect "text tools" compile
 fy connect compile link
 
-# Objects are linked all at once. A name in the list may hold a blank, so each stands in quotes.
 fy set compile --all-configs IncludePath="inc;text tools" OptimisationLevel=2 WarningLevel=2 Options="-std=c99"
-fy set link --all-configs Input=.obj Output=hello CommandOutDir='$(COutDir)' RunOnce=1 FileSeparator='" "'
-link_line='-o "$(COutDir)hello" "$(FileFullPathList)"'
+# The C library of this target is linked statically and wants its own calling convention.
+fy -c mips set compile TargetCPUOptions=abicalls
+
+# Objects are linked all at once. A name in the list may hold a blank, so each stands in quotes.
+fy set link --all-configs Input=.obj Output=hello CommandOutDir='$(COutDir)' RunOnce=yes FileSeparator='" "'
+link_line='-o "$(OutDir)hello" "$(FileFullPathList)"'
 fy -c native set link Command="gcc $link_line"
 fy -c mips set link Command="mipsel-linux-gnu-gcc -static $link_line"
