@@ -43,8 +43,8 @@ struct Start {
   long error = 0;
 };
 
-// In the new process, which shares our memory until it is the tool.
-int becomeTool(void* argument) {
+// In the new process, which shares our memory until it is the tool, on a stack that no sanitizer knows.
+[[gnu::no_sanitize_address]] int becomeTool(void* argument) {
   Start& start = *static_cast<Start*>(argument);
   kernel::call(SYS_setpgid, 0, 0);
   kernel::call(SYS_prctl, PR_SET_PDEATHSIG, SIGKILL);
