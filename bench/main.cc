@@ -58,7 +58,7 @@ class Bench {
 
  private:
   std::string path(const std::string& name) const { return options_.directory + "/" + name; }
-  std::string standIn() const { return bin_ + "/stand-in"; }
+  std::string standIn() const { return FORGEYARD_STAND_IN; }
   int sourceCount() const { return options_.quick ? 1000 : 10000; }
 
   void prepare() {
