@@ -26,7 +26,7 @@ struct DialogControl {
 
 struct IDialogModel : IUnknown {
   using Base = IUnknown;
-  static constexpr Guid iid = guid("5B2D7033-93C4-4E6F-A8D1-2F60C1B49E01");
+  static constexpr Guid iid = guid("5B2D7035-93C4-4E6F-A8D1-2F60C1B49E01");
 
   virtual HRESULT get_Title(BString* value) = 0;
   // In the order of the tab key; the last button is the one that Esc presses. Valid until the next event.

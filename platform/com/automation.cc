@@ -1,5 +1,6 @@
 #include "platform/com/automation.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -10,14 +11,22 @@ namespace forgeyard {
 
 namespace {
 
-template <class T>
-HRESULT numberFromText(const BString& text, T* out) {
+// Of the forms that from_chars knows only digits, point, sign and exponent are numbers here.
+HRESULT numberFromText(const BString& text, double* out) {
+  constexpr std::string_view blanks = " \t";
   const std::string narrow = text.narrow();
-  const char* begin = narrow.data();
-  const char* end = begin + narrow.size();
-  const auto [stop, error] = std::from_chars(begin, end, *out);
-  if (error == std::errc::result_out_of_range) return DISP_E_OVERFLOW;
-  return error == std::errc() && stop == end && begin != end ? S_OK : DISP_E_TYPEMISMATCH;
+  std::string_view digits = narrow;
+  digits.remove_prefix(std::min(digits.find_first_not_of(blanks), digits.size()));
+  digits = digits.substr(0, digits.find_last_not_of(blanks) + 1);
+  if (digits.starts_with('+') && !digits.starts_with("+-")) digits.remove_prefix(1);
+  if (digits.find_first_not_of("0123456789.eE+-") != digits.npos) return DISP_E_TYPEMISMATCH;
+  double value = 0;
+  const char* end = digits.data() + digits.size();
+  const auto [stop, error] = std::from_chars(digits.data(), end, value);
+  if (error == std::errc::invalid_argument || stop != end) return DISP_E_TYPEMISMATCH;
+  if (error != std::errc()) return DISP_E_OVERFLOW;
+  *out = value;
+  return S_OK;
 }
 
 template <class T>
@@ -69,16 +78,14 @@ HRESULT Variant::toDouble(double* out) const {
 }
 
 HRESULT Variant::toInt32(std::int32_t* out) const {
-  if (const auto* text = get<BString>()) return numberFromText(*text, out);
   double value = 0;
   if (const HRESULT status = toDouble(&value); failed(status)) return status;
   return integral(value, out);
 }
 
 HRESULT Variant::toUint32(std::uint32_t* out) const {
-  if (const auto* text = get<BString>()) return numberFromText(*text, out);
   if (const auto* b = get<bool>()) {
-    *out = *b ? 1 : 0;
+    *out = *b ? ~0u : 0;
     return S_OK;
   }
   double value = 0;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <span>
 #include <utility>
@@ -17,7 +18,9 @@ enum class InvokeKind : std::uint8_t { Method = 1, PropertyGet = 2, PropertyPut 
 
 // What Invoke tells about a failure beside its status.
 struct InvokeError {
-  std::uint32_t argument = 0;  // position of the argument that DISP_E_TYPEMISMATCH and its like mean
+  // Position, from 0, of the argument that DISP_E_TYPEMISMATCH, DISP_E_OVERFLOW or DISP_E_PARAMNOTFOUND
+  // means.
+  std::uint32_t argument = 0;
 };
 
 // Late-bound calls. Names are compared without regard to case.
@@ -30,7 +33,9 @@ struct IDispatch : IUnknown {
   virtual HRESULT GetTypeInfo(const TypeInfo** out) = 0;
   virtual HRESULT GetIDsOfNames(std::span<const BString> names, std::int32_t* ids) = 0;
   // Arguments stand in the order of the declaration, out parameters left out; the out parameter becomes
-  // *result. For a put the value is the last argument. `result` and `error` may be null.
+  // *result, which is empty for a call that fails or has none. Arguments that are objects or values of any
+  // type may be left out at the end; for a put the value is the last argument and always there. `result` and
+  // `error` may be null. DISP_E_BADPARAMCOUNT for too many arguments, DISP_E_PARAMNOTFOUND for a missing one.
   virtual HRESULT Invoke(std::int32_t id, InvokeKind kind, std::span<const Variant> arguments,
                          Variant* result, InvokeError* error) = 0;
 };
@@ -52,11 +57,14 @@ enum class VARTYPE : std::uint16_t {
 class Variant {
  public:
   Variant() noexcept = default;
-  Variant(std::int32_t value) noexcept : value_(value) {}                 // NOLINT: values convert
-  Variant(std::uint32_t value) noexcept : value_(value) {}                // NOLINT
-  Variant(bool value) noexcept : value_(value) {}                         // NOLINT
+  Variant(std::int32_t value) noexcept : value_(value) {}   // NOLINT: values convert
+  Variant(std::uint32_t value) noexcept : value_(value) {}  // NOLINT
+  // Truth alone: no pointer becomes one.
+  template <std::same_as<bool> Truth>
+  Variant(Truth value) noexcept : value_(value) {}                        // NOLINT
   Variant(double value) noexcept : value_(value) {}                       // NOLINT
   Variant(BString value) noexcept : value_(std::move(value)) {}           // NOLINT
+  Variant(const char16_t* text) : value_(BString(text)) {}                // NOLINT
   Variant(Ref<IDispatch> object) noexcept : value_(std::move(object)) {}  // NOLINT
   Variant(Ref<IUnknown> object) noexcept : value_(std::move(object)) {}   // NOLINT
   static Variant null() noexcept {
@@ -74,7 +82,9 @@ class Variant {
   }
 
   // Conversions as automation does them: DISP_E_TYPEMISMATCH where none exists, DISP_E_OVERFLOW where the
-  // value doesn't fit. Text converts to numbers only when all of it is one; truth is -1 as a number.
+  // value doesn't fit; *out stays as it is then. Text converts to numbers only when all of it is one, blanks
+  // around it aside; fractions are rounded, halves to the even number. Truth is -1 as a number, which is all
+  // bits set for an unsigned one.
   HRESULT toInt32(std::int32_t* out) const;
   HRESULT toUint32(std::uint32_t* out) const;
   HRESULT toBool(bool* out) const;

@@ -50,15 +50,17 @@ class ConnectionPoint final : public ComObject<IConnectionPoint> {
     return S_OK;
   }
   HRESULT Advise(IUnknown* sink, std::uint32_t* cookie) override {
-    Ref<Event> event = query<Event>(sink);
-    if (!event) return E_NOINTERFACE;
-    *cookie = ++lastCookie_;
-    sinks_.emplace_back(*cookie, std::move(event));
-    return S_OK;
+    *cookie = 0;
+    return guard([&] {
+      Ref<Event> event = query<Event>(sink);
+      if (!event) return E_NOINTERFACE;
+      sinks_.emplace_back(lastCookie_ + 1, std::move(event));
+      *cookie = ++lastCookie_;
+      return S_OK;
+    });
   }
   HRESULT Unadvise(std::uint32_t cookie) override {
-    const auto found = std::find_if(sinks_.begin(), sinks_.end(),
-                                    [cookie](const auto& sink) { return sink.first == cookie; });
+    const auto found = find(cookie);
     if (found == sinks_.end()) return CONNECT_E_NOCONNECTION;
     const Ref<Event> released = std::move(found->second);
     sinks_.erase(found);
@@ -67,11 +69,14 @@ class ConnectionPoint final : public ComObject<IConnectionPoint> {
 
   bool empty() const { return sinks_.empty(); }
   // Calls body(sink) for each sink that is connected at this moment, until one answers false (a body without
-  // an answer sees all). Sinks may come and go meanwhile.
+  // an answer sees all). Sinks may come and go meanwhile: one that came isn't called yet, one that has gone,
+  // or whose source has, isn't called any more.
   template <class Body>
-  void fire(Body&& body) const {
+  void fire(Body&& body) {
+    const Ref<ConnectionPoint> self(this);
     const auto sinks = sinks_;
     for (const auto& [cookie, sink] : sinks) {
+      if (find(cookie) == sinks_.end()) continue;
       if constexpr (std::is_void_v<decltype(body(*sink))>) {
         body(*sink);
       } else {
@@ -82,11 +87,18 @@ class ConnectionPoint final : public ComObject<IConnectionPoint> {
   void clear() { std::exchange(sinks_, {}); }
 
  private:
-  std::vector<std::pair<std::uint32_t, Ref<Event>>> sinks_;
+  auto find(std::uint32_t cookie) {
+    const auto found = std::lower_bound(sinks_.begin(), sinks_.end(), cookie,
+                                        [](const auto& sink, std::uint32_t c) { return sink.first < c; });
+    return found != sinks_.end() && found->first == cookie ? found : sinks_.end();
+  }
+
+  std::vector<std::pair<std::uint32_t, Ref<Event>>> sinks_;  // cookies ascend
   std::uint32_t lastCookie_ = 0;
 };
 
-// The container over a fixed list of event interfaces; stands in ComObject's list.
+// The container over a fixed list of event interfaces; stands in ComObject's list. Its sinks are let go when
+// the object ends, also those of a point that a client still holds.
 template <class... Events>
 class ConnectionPoints : public IConnectionPointContainer {
  public:
@@ -101,6 +113,8 @@ class ConnectionPoints : public IConnectionPointContainer {
   }
 
  protected:
+  ~ConnectionPoints() { dropSinks(); }
+
   template <class Event>
   ConnectionPoint<Event>* point() const {
     return std::get<Ref<ConnectionPoint<Event>>>(points_).get();

@@ -86,7 +86,7 @@ void forEach(const Ref<Enum>& enumerator, Body&& body) {
     const HRESULT status = enumerator->Next(kBatch, values, &fetched);
     check(status);
     for (std::uint32_t i = 0; i < fetched; ++i) body(values[i]);
-    if (status != S_OK) return;
+    if (status != S_OK || fetched == 0) return;
   }
 }
 

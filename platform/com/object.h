@@ -70,7 +70,7 @@ class ComObject : public Interfaces... {
   std::uint32_t AddRef() override { return references_.fetch_add(1, std::memory_order_relaxed) + 1; }
   std::uint32_t Release() override {
     const std::uint32_t left = references_.fetch_sub(1, std::memory_order_acq_rel) - 1;
-    if (left == 0) delete this;
+    if (left == 0) end();
     return left;
   }
 
@@ -78,13 +78,23 @@ class ComObject : public Interfaces... {
   virtual ~ComObject() { liveObjects.fetch_sub(1, std::memory_order_relaxed); }
 
  private:
-  std::atomic<std::uint32_t> references_{0};
+  static constexpr std::uint32_t kEnding = 1u << 31;
+
+  void end() {
+    if constexpr (requires { this->expireWeakRefs(); }) this->expireWeakRefs();
+    // References that the destructor makes to its own object come and go without ending it once more.
+    references_.store(kEnding, std::memory_order_relaxed);
+    delete this;
+  }
+
+  // The reference of who makes the object, so that a constructor may hand out further ones.
+  std::atomic<std::uint32_t> references_{1};
 };
 
 // A new object with one reference.
 template <class T, class... Args>
 Ref<T> make(Args&&... args) {
-  return Ref<T>(new T(std::forward<Args>(args)...));
+  return Ref<T>::adopt(new T(std::forward<Args>(args)...));
 }
 
 }  // namespace forgeyard

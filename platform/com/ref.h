@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <type_traits>
 #include <utility>
 
 #include "platform/com/unknown.h"
@@ -23,6 +24,9 @@ class Ref {
   template <class U>
   requires std::is_convertible_v<U*, T*> Ref(const Ref<U>& other)
   noexcept : Ref(static_cast<T*>(other.get())) {}  // NOLINT: to a base
+  template <class U>
+  requires std::is_convertible_v<U*, T*> Ref(Ref<U>&& other)
+  noexcept : object_(std::exchange(other.object_, nullptr)) {}  // NOLINT
   ~Ref() {
     if (object_) object_->Release();
   }
@@ -59,6 +63,9 @@ class Ref {
   friend bool operator==(const Ref& a, std::nullptr_t) noexcept { return a.object_ == nullptr; }
 
  private:
+  template <class>
+  friend class Ref;
+
   T* object_ = nullptr;
 };
 

@@ -1,5 +1,7 @@
 #include "platform/com/type_info.h"
 
+#include <algorithm>
+
 namespace forgeyard {
 
 namespace {
@@ -14,6 +16,28 @@ bool sameName(const char* ascii, std::u16string_view name) {
     ++ascii;
   }
   return *ascii == 0;
+}
+
+Thunk formOf(const Member& member, InvokeKind kind) {
+  switch (kind) {
+    case InvokeKind::Method:
+      return member.method;
+    case InvokeKind::PropertyGet:
+      return member.get;
+    case InvokeKind::PropertyPut:
+      return member.put;
+  }
+  return {};
+}
+
+HRESULT checkCount(const Thunk& form, InvokeKind kind, std::size_t given, InvokeError* error) {
+  const auto taken = static_cast<std::size_t>(
+      std::count_if(form.params.begin(), form.params.end(), [](const Param& param) { return !param.out; }));
+  if (given > taken) return DISP_E_BADPARAMCOUNT;
+  // What a method may do without is the very point of a put.
+  if (kind != InvokeKind::PropertyPut || given == taken) return S_OK;
+  if (error) error->argument = static_cast<std::uint32_t>(given);
+  return DISP_E_PARAMNOTFOUND;
 }
 
 }  // namespace
@@ -48,13 +72,16 @@ HRESULT dispatchNames(const TypeInfo& type, std::span<const BString> names, std:
 
 HRESULT dispatchInvoke(const TypeInfo& type, void* object, std::int32_t id, InvokeKind kind,
                        std::span<const Variant> arguments, Variant* result, InvokeError* error) {
-  const Member* member = type.find(id);
-  if (!member) return DISP_E_MEMBERNOTFOUND;
-  const Thunk& thunk = kind == InvokeKind::Method        ? member->method
-                       : kind == InvokeKind::PropertyGet ? member->get
-                                                         : member->put;
-  if (!thunk) return DISP_E_MEMBERNOTFOUND;
-  return thunk.call(object, arguments, result, error);
+  Variant given;
+  const HRESULT status = guard([&] {
+    const Member* member = type.find(id);
+    const Thunk form = member ? formOf(*member, kind) : Thunk{};
+    if (!form) return DISP_E_MEMBERNOTFOUND;
+    const HRESULT counted = checkCount(form, kind, arguments.size(), error);
+    return failed(counted) ? counted : form.call(object, arguments, &given, error);
+  });
+  if (result) *result = std::move(given);
+  return status;
 }
 
 }  // namespace forgeyard

@@ -24,7 +24,7 @@ struct Param {
 
 // One callable form of a member, made from its member pointer.
 struct Thunk {
-  // `object` points to the interface that the table describes.
+  // `object` points to the interface that the table describes. dispatchInvoke() has counted the arguments.
   HRESULT(*call)
   (void* object, std::span<const Variant> arguments, Variant* result, InvokeError* error) = nullptr;
   std::span<const Param> params;
@@ -191,7 +191,6 @@ struct MemberThunk<Function> {
     };
     std::apply([&](auto&... argument) { (takeOne(argument), ...); }, arguments);
     if (failed(status)) return status;
-    if (given.size() > next) return DISP_E_BADPARAMCOUNT;
     status = std::apply(
         [&](auto&... argument) { return (static_cast<I*>(object)->*Function)(argument.pass()...); },
         arguments);

@@ -12,7 +12,7 @@ struct IWeakSource : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("5B2D70F0-93C4-4E6F-A8D1-2F60C1B49E01");
 
-  // True until the object has gone.
+  // True until the last reference to the object has gone.
   virtual std::shared_ptr<const bool> Alive() = 0;
 };
 
@@ -22,14 +22,16 @@ class WeakSource : public IWeakSource {
 
  protected:
   WeakSource() = default;
-  ~WeakSource() { *alive_ = false; }
+  ~WeakSource() { expireWeakRefs(); }
+  // Called by ComObject ahead of the destructor, within which nobody shall reach the object any more.
+  void expireWeakRefs() { *alive_ = false; }
 
  private:
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 };
 
-// A back reference that counts nothing and reads null once its target has gone. An object that is no
-// IWeakSource reads null at once.
+// A back reference that counts nothing and reads null once its target has gone, which begins with the
+// target's destructor. An object that is no IWeakSource reads null at once.
 template <class I>
 class WeakRef {
  public:
