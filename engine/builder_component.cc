@@ -12,7 +12,8 @@
 namespace forgeyard {
 
 void StringSet::assign(List unordered) {
-  std::sort(unordered.begin(), unordered.end());
+  // Lists mostly come in order: folders are filled from sorted listings, and outputs follow their inputs.
+  if (!std::is_sorted(unordered.begin(), unordered.end())) std::sort(unordered.begin(), unordered.end());
   unordered.erase(std::unique(unordered.begin(), unordered.end()), unordered.end());
   list_ = std::make_shared<const List>(std::move(unordered));
 }

@@ -17,8 +17,9 @@ class Collector {
     check(file.get_PersistAs(&stored));
     own_.push_back(std::move(stored));
     if (const Ref<ISourceFileDependencies> lists = query<ISourceFileDependencies>(&file)) {
-      mentioned_.insert(lists->manualDependencies().begin(), lists->manualDependencies().end());
-      mentioned_.insert(lists->automaticDependencies().begin(), lists->automaticDependencies().end());
+      for (const auto* list : {&lists->manualDependencies(), &lists->automaticDependencies()}) {
+        for (const BString& name : *list) mention(name);
+      }
     } else {
       addCollections(file);
     }
@@ -31,6 +32,11 @@ class Collector {
   }
 
  private:
+  // Names are mentioned again and again, mostly by the same buffer: only the first mention costs a look at
+  // the text.
+  void mention(const BString& name) {
+    if (seen_.insert(name.identity()).second) mentioned_.insert(name);
+  }
   void addCollections(ISourceFile& file) {
     for (const auto get : {&ISourceFile::get_ManualDeps, &ISourceFile::get_AutomaticDeps}) {
       Ref<ISimpleCollection> names;
@@ -47,6 +53,7 @@ class Collector {
 
   std::vector<BString> own_;
   std::unordered_set<BString> mentioned_;
+  std::unordered_set<const void*> seen_;  // buffers of names that the files hold
 };
 
 }  // namespace

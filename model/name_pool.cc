@@ -24,7 +24,7 @@ std::shared_ptr<NamePool> NamePool::shared() {
 NamePool::Slot& NamePool::slot(std::u16string_view name, std::uint32_t hash) {
   const std::size_t mask = slots_.size() - 1;
   std::size_t at = hash & mask;
-  while (slots_[at].taken && (slots_[at].hash != hash || slots_[at].name.view() != name))
+  while (slots_[at].taken && (slots_[at].hash != hash || !equalUnits(slots_[at].name.view(), name)))
     at = (at + 1) & mask;
   return slots_[at];
 }

@@ -1,5 +1,6 @@
 #include "platform/text/bstring.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -8,6 +9,23 @@
 #include "platform/text/narrow.h"
 
 namespace forgeyard {
+
+int compareUnits(std::u16string_view a, std::u16string_view b) noexcept {
+  constexpr std::size_t unitsInWord = sizeof(std::uint64_t) / sizeof(char16_t);
+  const std::size_t common = std::min(a.size(), b.size());
+  std::size_t at = 0;
+  for (; at + unitsInWord <= common; at += unitsInWord) {
+    std::uint64_t left = 0;
+    std::uint64_t right = 0;
+    std::memcpy(&left, a.data() + at, sizeof left);
+    std::memcpy(&right, b.data() + at, sizeof right);
+    if (left != right) break;
+  }
+  for (; at < common; ++at) {
+    if (a[at] != b[at]) return a[at] < b[at] ? -1 : 1;
+  }
+  return a.size() == b.size() ? 0 : a.size() < b.size() ? -1 : 1;
+}
 
 BString::Buffer* BString::allocate(std::size_t length) {
   if (length > UINT32_MAX / sizeof(char16_t)) throw std::length_error("text too long");

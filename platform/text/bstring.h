@@ -4,12 +4,20 @@
 #include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace forgeyard {
+
+// Text comparison by whole words of memory: paths agree in long beginnings.
+inline bool equalUnits(std::u16string_view a, std::u16string_view b) noexcept {
+  return a.size() == b.size() &&
+         (a.empty() || std::memcmp(a.data(), b.data(), a.size() * sizeof(char16_t)) == 0);
+}
+int compareUnits(std::u16string_view a, std::u16string_view b) noexcept;
 
 // The wide text of every interface: an immutable UTF-16 value that tells null from empty. Copies share one
 // buffer, so a copy costs one counted reference. Comparison and hash look at the text alone: null equals
@@ -54,10 +62,10 @@ class BString {
   void swap(BString& other) noexcept { std::swap(buffer_, other.buffer_); }
 
   friend bool operator==(const BString& a, const BString& b) noexcept {
-    return a.buffer_ == b.buffer_ || a.view() == b.view();
+    return a.buffer_ == b.buffer_ || equalUnits(a.view(), b.view());
   }
   friend std::strong_ordering operator<=>(const BString& a, const BString& b) noexcept {
-    return a.view() <=> b.view();
+    return compareUnits(a.view(), b.view()) <=> 0;
   }
   friend BString operator+(const BString& a, const BString& b) { return concat(a.view(), b.view()); }
   static BString concat(std::u16string_view a, std::u16string_view b, std::u16string_view c = {});
