@@ -86,6 +86,9 @@ class CommandLine {
 CommandLine::CommandLine(Options& options) {
   app_.set_version_flag("--version", std::string("forgeyard ") + FORGEYARD_VERSION, "Show the version");
   app_.set_help_flag("-h,--help", "Show what there is; also behind a command");
+  app_.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  app_.get_formatter()->label("Subcommands", "Commands");
+  app_.get_formatter()->column_width(28);
   app_.require_subcommand(1);
   app_.footer(kFooter);
   addGlobalOptions(options);
@@ -123,8 +126,10 @@ CLI::Option* CommandLine::addParameter(CLI::App& app, const Parameter& parameter
   if (parameter.kind == Kind::Flag) return app.add_flag(parameter.name, parameter.help);
   CLI::Option* option = app.add_option(parameter.name, keep, parameter.help);
   option->type_name(parameter.kind == Kind::Option ? parameter.value : "");
-  if (parameter.kind == Kind::Texts)
-    option->expected(-1)->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  if (parameter.kind == Kind::Texts) {
+    option->expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
+    option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+  }
   option->required(parameter.kind == Kind::Text || parameter.kind == Kind::Texts);
   return option;
 }
@@ -194,8 +199,7 @@ std::string wrongCommand(const std::vector<std::string>& arguments) {
            (near ? " Did you mean " + *near + "?" : " forgeyard --help shows the commands.");
   }
   if (seconds.empty()) return "";
-  if (given.size() == 1)
-    return "What about the " + given[0] + "? There is " + given[0] + " " + enumeration(seconds) + ".";
+  if (given.size() == 1) return "Behind " + given[0] + " comes one of these: " + enumeration(seconds) + ".";
   if (std::find(seconds.begin(), seconds.end(), given[1]) != seconds.end()) return "";
   return "There is no command " + given[0] + " " + given[1] + "." + suggestion(given[1], seconds, "commands");
 }

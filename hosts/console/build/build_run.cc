@@ -168,6 +168,7 @@ void storeWhatWasLearnt(OpenProject& project) {
 }  // namespace
 
 ExitCode runBuild(OpenProject& project, std::u16string_view command) {
+  project.requireConsentIfIncomplete("Build what is left?");
   ExitCode result = ExitCode::Failure;
   {
     const ActiveFor active(project.project(), project.configuration());

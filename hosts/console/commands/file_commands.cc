@@ -1,6 +1,7 @@
 // file add, list and remove.
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <unordered_set>
@@ -16,12 +17,16 @@ namespace {
 
 using Kind = Parameter::Kind;
 
-void requireFile(const std::string& path) {
-  struct stat status {};
-  if (::stat(path.c_str(), &status) != 0)
-    return complain(path + ": there is no such file yet; added all the same.");
-  if (S_ISDIR(status.st_mode))
-    throw Failure(path + " is a directory. Name the files in it, for example " + path + "/*.c");
+void refuseDirectories(const std::vector<std::string>& paths) {
+  for (const std::string& path : paths) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+      throw Failure(path + " is a directory. Name the files in it, for example " + path + "/*.c");
+  }
+}
+
+void warnIfMissing(const std::string& path) {
+  if (::access(path.c_str(), F_OK) != 0) complain(path + ": there is no such file yet; added all the same.");
 }
 
 // The names of the files that the project hasn't got yet, each once.
@@ -38,7 +43,7 @@ std::vector<BString> newNames(const std::vector<std::string>& paths, const Proje
       complain(path + " is in the project already.");
       continue;
     }
-    requireFile(path);
+    warnIfMissing(path);
     names.push_back(std::move(name));
   }
   return names;
@@ -61,6 +66,7 @@ void reportAdded(LineWriter& out, const std::vector<FolderContents>& before) {
 }
 
 ExitCode addFiles(const Invocation& invocation) {
+  refuseDirectories(invocation.texts("PATH"));
   Session session(invocation.options());
   OpenProject project(session);
   const std::vector<FolderContents> folders = foldersOf(project.project());

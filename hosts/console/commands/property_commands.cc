@@ -60,8 +60,9 @@ std::vector<Ref<IConfiguration>> chosenConfigurations(const OpenProject& project
 
 Failure unknownProperty(const Component& component, const std::string& property,
                         const std::vector<std::string>& names) {
-  return Failure(component.name + " (" + component.kindName() + ") has no property " + property + "." +
-                 suggestion(property, names, "properties"));
+  std::string hint = suggestion(property, names, "properties");
+  if (hint.empty()) hint = " \"forgeyard get " + component.name + "\" shows what there is.";
+  return Failure(component.name + " (" + component.kindName() + ") has no property " + property + "." + hint);
 }
 
 void setOne(OpenProject& project, const Component& component, IConfiguration& configuration,

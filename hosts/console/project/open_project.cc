@@ -61,18 +61,17 @@ Ref<IConfiguration> OpenProject::configuration() const {
   return active;
 }
 
-void OpenProject::requireConsentToLoss() const {
+void OpenProject::requireConsentIfIncomplete(const std::string& question) const {
   if (!incomplete_) return;
   MessageAnswer answer = MessageAnswer::No;
   check(session_.host().frame().ShowMessage(
-      u"A part of the file could not be read, see above. Storing the project now loses that part for good. "
-      u"Store it?",
-      u"Damaged project", MessageButtons::YesNo, MessageIcon::Exclamation, &answer));
+      BString::fromNarrow("A part of the file could not be read, see above. " + question), u"Damaged project",
+      MessageButtons::YesNo, MessageIcon::Exclamation, &answer));
   if (answer != MessageAnswer::Yes) throw Failure(file_.host + " was left as it is.");
 }
 
 void OpenProject::save() {
-  requireConsentToLoss();
+  requireConsentIfIncomplete("Storing the project now loses that part for good. Store it?");
   HRESULT status = project_->ProjectSave();
   if (const Ref<IProjectReport> report = project_.as<IProjectReport>(); report && succeeded(status))
     status = report->saveFailure();

@@ -28,6 +28,9 @@ class OpenProject {
   Ref<IConfiguration> configuration() const;
   // Whether a part of the file was left out in loading.
   bool isIncomplete() const { return incomplete_; }
+  // Asks the user to go on with what could be read; throws a Failure when the answer is no. Does nothing when
+  // all of the file is there.
+  void requireConsentIfIncomplete(const std::string& question) const;
 
   // Writes the file. Throws a Failure when it could not be written: then it stands as it was. Asks before a
   // part that could not be read is lost for good.
@@ -37,7 +40,6 @@ class OpenProject {
   OpenProject(Session& session, ProjectFile file);
   void load();
   void reportOmissions();
-  void requireConsentToLoss() const;
 
   Session& session_;
   ProjectFile file_;

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
 #include <string>
@@ -39,9 +40,25 @@ std::chrono::steady_clock::time_point coarseNow() {
                                                std::chrono::nanoseconds(now.tv_nsec));
 }
 
-bool isAscii(std::u16string_view text) {
+// Blocks of a fixed size compile to a few vector instructions.
+constexpr std::size_t kBlock = 16;
+
+// Writes the low byte of each unit; false, with `out` filled in vain, when there is more than ASCII.
+bool narrowAscii(std::u16string_view text, char* out) {
+  std::array<char16_t, kBlock> seen{};
+  std::size_t at = 0;
+  for (; at + kBlock <= text.size(); at += kBlock) {
+    for (std::size_t i = 0; i < kBlock; ++i) seen[i] = static_cast<char16_t>(seen[i] | text[at + i]);
+    std::array<char, kBlock> narrow;
+    for (std::size_t i = 0; i < kBlock; ++i) narrow[i] = static_cast<char>(text[at + i]);
+    std::memcpy(out + at, narrow.data(), kBlock);
+  }
   char16_t all = 0;
-  for (const char16_t unit : text) all = static_cast<char16_t>(all | unit);
+  for (; at < text.size(); ++at) {
+    all = static_cast<char16_t>(all | text[at]);
+    out[at] = static_cast<char>(text[at]);
+  }
+  for (const char16_t units : seen) all = static_cast<char16_t>(all | units);
   return all < 0x80;
 }
 
@@ -79,9 +96,8 @@ void LineWriter::finishLine(char* end) {
 
 void LineWriter::line(std::u16string_view text) {
   if (state_ != State::Open) return;
-  if (!isAscii(text)) return line(narrowFromWide(text));
   char* out = reserve(text.size() + 1);
-  for (std::size_t i = 0; i < text.size(); ++i) out[i] = static_cast<char>(text[i]);
+  if (!narrowAscii(text, out)) return line(narrowFromWide(text));
   finishLine(out + text.size());
 }
 
