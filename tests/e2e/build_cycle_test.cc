@@ -76,8 +76,19 @@ TEST_F(BuildCycle, ErrorInOneSourceLetsTheOthersCompileAndLinksNothing) {
   EXPECT_EQ(count(broken, "Final result: ERRORS"), 1);
   EXPECT_FALSE(exists("out/prog"));
 
-  // Just the broken one is tried again; what the others learnt was stored.
-  EXPECT_THAT(compiled(forgeyard({"build"})), ElementsAre("main"));
+  put("src/main.c", "int main(void) { return 0; }\n");
+  EXPECT_EQ(forgeyard({"build"}).exitCode, 0);
+  EXPECT_TRUE(exists("out/prog"));
+}
+
+TEST_F(BuildCycle, AfterAnErrorJustTheBrokenSourceIsTriedAgain) {
+  must({"build"});
+  put("src/main.c", "int main(void) { return nowhere; }\n");
+  for (int i = 0; i < 2; ++i) {
+    const Outcome broken = forgeyard({"build"});
+    EXPECT_EQ(broken.exitCode, 1);
+    EXPECT_THAT(compiled(broken), ElementsAre("main"));
+  }
   put("src/main.c", "int main(void) { return 0; }\n");
   EXPECT_THAT(compiled(must({"build"})), ElementsAre("main"));
   touch("inc/inner.h");

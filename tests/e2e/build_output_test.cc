@@ -140,33 +140,37 @@ TEST_F(BuildOutput, OfACompileAndAClean) {
                                        }));
 }
 
-TEST_F(BuildOutput, OfAnEmptyComponentAndOfAWrongCommand) {
-  must({"component", "add", "cmdline", "alone"});
-  must({"component", "add", "cmdline", "wrong"});
-  must({"connect", "src", "wrong"});
-  must({"set", "wrong", "Command=tool $(Nope)"});
+TEST_F(BuildOutput, OfComponentsWithoutInputs) {
   must({"disconnect", "src", "cc"});
+  EXPECT_THAT(must({"build"}).lines(), ElementsAreArray(Lines{
+                                           "-----",
+                                           "Project: p - Configuration: Default",
+                                           "-----",
+                                           "Component \"cc\"",
+                                           "No inputs to build.",
+                                           "All outputs up to date.",
+                                           "-----",
+                                           "Component \"link\"",
+                                           "No inputs to build.",
+                                           "All outputs up to date.",
+                                           "-----",
+                                           "Project: p - Configuration: Default",
+                                           "Final result: OK",
+                                           "-----",
+                                       }));
+}
+
+TEST_F(Sandbox, OutputOfABuildWithAWrongCommand) {
+  makeToolProject({"1.in"}, "tool $(Nope)");
   EXPECT_THAT(forgeyard({"build"}).lines(),
               ElementsAreArray(Lines{
                   "-----",
                   "Project: p - Configuration: Default",
                   "-----",
-                  "Component \"cc\"",
-                  "No inputs to build.",
-                  "All outputs up to date.",
-                  "-----",
-                  "Component \"alone\"",
-                  "No inputs to build.",
-                  "All outputs up to date.",
-                  "-----",
-                  "Component \"wrong\"",
+                  "Component \"tool\"",
                   "ERROR: Undefined macro in command line: $(Nope). Use \"Project, Settings\" to correct.",
                   "Command Line: tool $(Nope)",
-                  "Component \"wrong\" result: ERROR",
-                  "-----",
-                  "Component \"link\"",
-                  "No inputs to build.",
-                  "All outputs up to date.",
+                  "Component \"tool\" result: ERROR",
                   "-----",
                   "Project: p - Configuration: Default",
                   "Final result: ERRORS",

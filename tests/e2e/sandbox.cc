@@ -129,7 +129,7 @@ void Sandbox::makeToolProject(const Lines& sources, const std::string& command) 
 }
 
 std::string Sandbox::scriptedTool() {
-  return FORGEYARD_BIN_DIR "/scripted_tool";
+  return SCRIPTED_TOOL;
 }
 
 void Sandbox::waitForFile(std::string_view name) const {

@@ -35,7 +35,7 @@ TEST_F(Sandbox, ToolThatDoesNotExistIsNamed) {
   makeToolProject({"1.in"}, "no-such-tool \"$(FileFullPath)\"");
   const Outcome build = forgeyard({"build"});
   EXPECT_EQ(build.exitCode, 1);
-  EXPECT_THAT(build.output, HasSubstr("no-such-tool: "));
+  EXPECT_THAT(build.output, HasSubstr("cannot start \"no-such-tool\": not found"));
   EXPECT_EQ(count(build, "Exit Code: 127 (0x7f)."), 1) << build.output;
 }
 
