@@ -88,7 +88,9 @@ e_btr ToolRunner::ExecuteCommand(IOutputTab* tab, const BString& command, const 
   ignore(tab->MsgOut(command));
   std::array<const Waitable*, 2> handles{process.get(), stop.get()};
   const std::size_t fired = Apartment::main()->waitPumping(Waitables(handles.data(), stop ? 2 : 1));
-  return fired == 0 ? toolEnded(tab, *process) : toolStopped(*process);
+  // The spawner acts on the same event and may be quicker: then the tool's failure is the stop's doing.
+  const bool stopped = fired != 0 || (stop && stop->isSignalled() && process->exitCode() != 0);
+  return stopped ? toolStopped(*process) : toolEnded(tab, *process);
 }
 
 e_btr ToolRunner::toolEnded(IOutputTab* tab, Process& process) {
