@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# ./dev bench [OPTION...]: builds the programs and runs the fixed workloads of bench/.
+# ./dev bench [--quick] [--rounds N]: builds the programs and measures the fixed workloads of bench/.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/common.sh
@@ -8,4 +8,4 @@ need build
 configure_release
 cmake --build build/release -j "$jobs"
 own_environment "$project_root/build/bench-home"
-exec bench/run.sh "$@"
+exec build/release/bin/forgeyard_bench "$@" "$project_root/build/bench"
