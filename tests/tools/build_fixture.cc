@@ -1,4 +1,4 @@
-#include "build_fixture.h"
+#include "tests/tools/build_fixture.h"
 
 #include <stdlib.h>
 

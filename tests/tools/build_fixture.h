@@ -9,9 +9,9 @@
 #include "model/folder.h"
 #include "model/project.h"
 #include "platform/threads/apartment.h"
-#include "set_properties.h"
 #include "tests/platform_base/temporary_directory.h"
 #include "tests/support/test_host.h"
+#include "tests/tools/set_properties.h"
 
 namespace forgeyard::test {
 

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "build_fixture.h"
+#include "tests/tools/build_fixture.h"
 #include "tools/cc.h"
 #include "typelib/cookies.h"
 

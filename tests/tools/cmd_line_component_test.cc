@@ -1,6 +1,6 @@
 // The command-line component at work in a project.
 
-#include "build_fixture.h"
+#include "tests/tools/build_fixture.h"
 #include "tools/cmd_line.h"
 
 namespace forgeyard::test {

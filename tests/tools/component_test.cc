@@ -3,8 +3,9 @@
 
 #include <set>
 
-#include "build_fixture.h"
-#include "record_bytes.h"
+#include "tests/com/memory_stream.h"
+#include "tests/tools/build_fixture.h"
+#include "tests/tools/record_bytes.h"
 #include "tools/asm.h"
 #include "tools/cc.h"
 #include "tools/classes.h"
@@ -272,7 +273,7 @@ TEST_F(ToolComponentTest, StreamsHoldNameNumberAndTheSettingsOfEachConfiguration
     const auto body = [&](IConfiguration* configuration) {
       const auto stream = make<MemoryStream>();
       check(settingsOf(component.get(), configuration).as<IPersistStream>()->Save(stream.get(), false));
-      return stream->bytes();
+      return stream->bytes;
     };
     EXPECT_EQ(bytesOf(*file, tool.stream), RecordBytes().number(0).text(u"").number(0x1234).bytes());
     EXPECT_EQ(bytesOf(*file, u"Settings"), RecordBytes().number(0).number(2).text(u"Default").bytes() +

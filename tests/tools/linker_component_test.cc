@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "build_fixture.h"
+#include "tests/tools/build_fixture.h"
 #include "tools/linker.h"
 
 namespace forgeyard::test {

@@ -4,8 +4,9 @@
 
 #include <map>
 
-#include "record_bytes.h"
-#include "set_properties.h"
+#include "tests/com/memory_stream.h"
+#include "tests/tools/record_bytes.h"
+#include "tests/tools/set_properties.h"
 #include "tools/asm_settings.h"
 #include "tools/cc_settings.h"
 #include "tools/cmd_line_settings.h"
@@ -34,7 +35,7 @@ class Settings : public testing::Test {
   static std::string saved(Class& settings) {
     const auto stream = make<MemoryStream>();
     EXPECT_EQ(settings.Save(stream.get(), false), S_OK);
-    return stream->bytes();
+    return stream->bytes;
   }
   static std::int32_t equal(Class& a, IBuilderSettings* b) {
     std::int32_t result = -1;
@@ -164,7 +165,7 @@ TYPED_TEST(Settings, RecordReadsBackAndLeavesThePositionBehindIt) {
   check(stream->Seek(6, StreamSeek::Set, nullptr));
   const auto loaded = make<TypeParam>();
   ASSERT_EQ(loaded->Load(stream.get()), S_OK);
-  EXPECT_EQ(stream->position(), 6 + record.size());
+  EXPECT_EQ(stream->position, 6 + record.size());
   EXPECT_EQ(this->equal(*settings, loaded.get()), 1);
   EXPECT_EQ(this->saved(*loaded), record);
 }
@@ -183,7 +184,7 @@ TYPED_TEST(Settings, RecordCutShortFailsAtEveryByteAndKeepsWhatWasRead) {
   EXPECT_EQ(shown(getProperty(*loaded, u"CommandOutDir")), "value of CommandOutDir");
 
   const auto full = make<MemoryStream>();
-  full->limitTo(record.size() - 1);
+  full->room = record.size() - 1;
   EXPECT_EQ(settings->Save(full.get(), true), E_FAIL);
   EXPECT_EQ(settings->IsDirty(), S_OK);
 }
@@ -257,7 +258,7 @@ void expectRecord(const Properties& properties, const RecordBytes& record) {
   setProperties(*settings, properties);
   const auto stream = make<MemoryStream>();
   ASSERT_EQ(settings->Save(stream.get(), true), S_OK);
-  EXPECT_EQ(stream->bytes(), record.bytes());
+  EXPECT_EQ(stream->bytes, record.bytes());
 }
 
 RecordBytes common() {

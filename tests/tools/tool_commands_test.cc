@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "set_properties.h"
+#include "tests/tools/set_properties.h"
 #include "tools/asm_command.h"
 #include "tools/asm_settings.h"
 #include "tools/cc_command.h"
