@@ -36,6 +36,7 @@ sigset_t stoppingSet() {
 
 std::vector<char*> argumentList(const std::vector<std::string>& command) {
   std::vector<char*> list;
+  list.reserve(command.size() + 1);
   for (const std::string& word : command) list.push_back(const_cast<char*>(word.c_str()));
   list.push_back(nullptr);
   return list;
