@@ -25,8 +25,6 @@
 #include "platform/registry/registry_keys.h"
 #include "typelib/classes.h"
 
-extern char** environ;
-
 namespace forgeyard::bench {
 namespace {
 

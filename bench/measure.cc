@@ -4,13 +4,12 @@
 #include <spawn.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <stdexcept>
-
-extern char** environ;
 
 namespace forgeyard::bench {
 
@@ -23,6 +22,7 @@ double millisecondsOf(const std::function<void()>& work) {
 Run runProgram(const std::vector<std::string>& command, const std::string& directory,
                const std::string& outputFile, int expected) {
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) arguments.push_back(const_cast<char*>(argument.c_str()));
   arguments.push_back(nullptr);
   posix_spawn_file_actions_t actions;

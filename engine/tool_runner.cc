@@ -1,5 +1,7 @@
 #include "engine/tool_runner.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <chrono>
 #include <cstdio>
@@ -14,8 +16,6 @@
 #include "platform/threads/apartment.h"
 #include "platform/threads/named_event.h"
 #include "platform/threads/timer.h"
-
-extern char** environ;
 
 namespace forgeyard {
 
