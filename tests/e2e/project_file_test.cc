@@ -65,6 +65,14 @@ TEST_F(ProjectFile, FullDiskLeavesItAsItWas) {
   EXPECT_EQ(toolRuns(must({"build"})), 2);
 }
 
+TEST_F(ProjectFile, ReadOnlyOneIsMadeWritable) {
+  // As one that comes from a file server or an archive is.
+  ASSERT_EQ(::chmod(path("p.nqp").c_str(), 0444), 0);
+  must({"set", "cc", "WarningLevel=2"});
+  EXPECT_THAT(must({"get", "cc", "WarningLevel"}).output, HasSubstr("2"));
+  EXPECT_EQ(toolRuns(must({"build"})), 2);
+}
+
 TEST_F(ProjectFile, DamagedOneIsRefusedAndLeftAlone) {
   const std::string whole = content("p.nqp");
   for (const std::size_t size : {std::size_t{0}, std::size_t{100}, whole.size() / 2}) {
