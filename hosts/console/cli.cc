@@ -185,7 +185,7 @@ void addOnce(std::vector<std::string>& names, const std::string& name) {
 // What is wrong with the command's own words; empty if that is not the fault.
 std::string wrongCommand(const std::vector<std::string>& arguments) {
   const std::vector<std::string> given = words(arguments);
-  if (given.empty()) return "What is to be done? forgeyard --help shows the commands.";
+  if (given.empty()) return "";
   std::vector<std::string> firsts;
   std::vector<std::string> seconds;
   for (const Command* command : allCommands()) {
@@ -206,6 +206,8 @@ std::string wrongCommand(const std::vector<std::string>& arguments) {
 
 int usageError(const std::vector<std::string>& arguments, const CLI::ParseError& error) {
   std::string message = wrongCommand(arguments);
+  const bool nothingAsked = words(arguments).empty() && dynamic_cast<const CLI::RequiredError*>(&error);
+  if (nothingAsked) message = "What is to be done? forgeyard --help shows the commands.";
   if (message.empty()) message = std::string(error.what()) + ". Try the same with --help.";
   complain(message);
   return static_cast<int>(ExitCode::Failure);

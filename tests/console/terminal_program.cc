@@ -1,0 +1,84 @@
+#include "tests/console/terminal_program.h"
+
+#include <poll.h>
+#include <pty.h>
+#include <signal.h>
+#include <stdlib.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace forgeyard::console {
+
+namespace {
+
+constexpr int kPatience = 60000;  // milliseconds without a sign of life
+
+[[noreturn]] void becomeProgram(const e2e::Start& start) {
+  if (::chdir(start.directory.c_str()) != 0) ::_exit(126);
+  ::unsetenv("PWD");
+  for (const std::string& entry : start.environment) ::putenv(const_cast<char*>(entry.c_str()));
+  std::vector<char*> words;
+  for (const std::string& word : start.command) words.push_back(const_cast<char*>(word.c_str()));
+  words.push_back(nullptr);
+  ::execv(words[0], words.data());
+  ::_exit(127);
+}
+
+}  // namespace
+
+TerminalProgram::TerminalProgram(const e2e::Start& start) {
+  id_ = ::forkpty(&terminal_, nullptr, nullptr, nullptr);
+  if (id_ < 0) throw std::runtime_error("no terminal");
+  if (id_ == 0) becomeProgram(start);
+}
+
+TerminalProgram::~TerminalProgram() {
+  if (id_ > 0) {
+    ::kill(-id_, SIGKILL);
+    ::waitpid(id_, nullptr, 0);
+  }
+  ::close(terminal_);
+}
+
+// False when the program has let go of the terminal, or shows nothing for too long.
+bool TerminalProgram::readMore() {
+  pollfd entry{terminal_, POLLIN, 0};
+  if (::poll(&entry, 1, kPatience) != 1) return false;
+  char bytes[4096];
+  const ssize_t got = ::read(terminal_, bytes, sizeof bytes);
+  if (got > 0) text_.append(bytes, static_cast<std::size_t>(got));
+  return got > 0;
+}
+
+bool TerminalProgram::waitFor(std::string_view text) {
+  while (shown().find(text) == std::string::npos) {
+    if (!readMore()) return false;
+  }
+  return true;
+}
+
+void TerminalProgram::type(std::string_view keys) const {
+  if (::write(terminal_, keys.data(), keys.size()) != static_cast<ssize_t>(keys.size()))
+    throw std::runtime_error("the terminal takes no keys");
+}
+
+int TerminalProgram::finish() {
+  while (readMore()) {
+  }
+  int status = 0;
+  ::waitpid(std::exchange(id_, -1), &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+std::string TerminalProgram::shown() const {
+  std::string text = text_;
+  std::erase(text, '\r');
+  return text;
+}
+
+}  // namespace forgeyard::console
