@@ -60,6 +60,7 @@ TEST_F(Usage, WrongCommandLinesSayWhatIsWrong) {
       {{"folder", "add", "x", "--filter"}, "--filter"},
       {{"folder", "add", "x", "--filter", "a", "--filter", "b"}, "--filter"},
       {{"-p"}, "--project"},
+      {{"-q"}, "What is to be done?"},
       {{"config", "use", "Small", "-c", "Default"}, "-c"},
       {{"get", "cc", "-c", "Small", "--all-configs"}, "--all-configs"},
   };
