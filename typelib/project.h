@@ -97,8 +97,8 @@ struct LoadOmission {
   std::string why;
 };
 
-// Inside the module only: what went wrong where an operation of the project succeeds all the same. A load
-// brings up what it can read; a save that fails leaves the file as it was and the project dirty.
+// What went wrong where an operation of the project succeeds all the same; hosts read it behind each load and
+// save. A load brings up what it can read; a save that fails leaves the file as it was and the project dirty.
 struct IProjectReport : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("5B2D7031-93C4-4E6F-A8D1-2F60C1B49E01");

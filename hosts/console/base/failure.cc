@@ -13,6 +13,7 @@ struct Words {
 };
 
 constexpr std::array kWords{
+    Words{E_FAIL, "no reason is given"},
     Words{E_OUTOFMEMORY, "there is not enough memory"},
     Words{E_NOINTERFACE, "the object does not have the interface that is needed"},
     Words{REGDB_E_CLASSNOTREG, "the class is not registered"},
