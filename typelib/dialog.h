@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "platform/com/enumerators.h"
 #include "platform/com/unknown.h"
 #include "platform/text/bstring.h"
 
@@ -39,6 +40,12 @@ struct IDialogModel : IUnknown {
   virtual HRESULT Press(std::size_t control, bool* ended) = 0;
 };
 
+// One choice of a file chooser: "C files (*.c)" and "*.c".
+struct FileFilter {
+  BString description;
+  BString pattern;
+};
+
 // Runs dialogs, with the main frame's window as owner: an interface of the main frame beside IUserInterface.
 struct IDialogHost : IUnknown {
   using Base = IUnknown;
@@ -46,6 +53,9 @@ struct IDialogHost : IUnknown {
 
   // Returns when the dialog is over.
   virtual HRESULT RunModal(IDialogModel* dialog) = 0;
+  // Existing files, any number of them, as full paths in the model's spelling; null when the user cancels.
+  virtual HRESULT ChooseFiles(const BString& title, std::span<const FileFilter> filters,
+                              Ref<IEnumString>* out) = 0;
 };
 
 }  // namespace forgeyard

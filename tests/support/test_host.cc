@@ -101,6 +101,13 @@ HRESULT TestHost::RunModal(IDialogModel* dialog) {
   return S_OK;
 }
 
+HRESULT TestHost::ChooseFiles(const BString& title, std::span<const FileFilter>, Ref<IEnumString>* out) {
+  dialogTitles_.push_back(title.narrow());
+  *out = nullptr;
+  if (!chosenFiles_.empty()) *out = make<ListEnumerator<IEnumString>>(std::exchange(chosenFiles_, {}));
+  return S_OK;
+}
+
 HRESULT TestHost::OpenTab(const BString& tab, std::int32_t* value, std::int32_t) {
   openedTabs_.push_back(tab.narrow());
   *value = 1;

@@ -47,6 +47,8 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   const std::vector<ShownMessage>& messages() const { return messages_; }
   // The file that the next file dialog gives; without one it is cancelled.
   void chooseFile(const BString& path) { chosenFile_ = path; }
+  // What the next chooser of several files gives; without it that is cancelled.
+  void chooseFiles(std::vector<BString> paths) { chosenFiles_ = std::move(paths); }
   // Titles of the dialogs that were run.
   const std::vector<std::string>& dialogTitles() const { return dialogTitles_; }
   // Lines of one output tab, oldest first; empty for a tab that has none.
@@ -84,6 +86,8 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
                      bool* ok) override;
 
   HRESULT RunModal(IDialogModel* dialog) override;
+  HRESULT ChooseFiles(const BString& title, std::span<const FileFilter> filters,
+                      Ref<IEnumString>* out) override;
 
   HRESULT OpenTab(const BString& tab, std::int32_t* value, std::int32_t create) override;
   HRESULT ShowTab(const BString& tab) override;
@@ -103,6 +107,7 @@ class TestHost final : public ComObject<IServiceLookup, IMainFrame, IUserInterfa
   std::vector<ShownMessage> messages_;
   std::vector<std::string> dialogTitles_;
   BString chosenFile_;
+  std::vector<BString> chosenFiles_;
   std::vector<std::pair<std::string, std::string>> lines_;  // tab and text
   std::vector<std::string> openedTabs_;
   std::vector<std::pair<Guid, Ref<IUnknown>>> services_;
