@@ -6,6 +6,6 @@ source scripts/common.sh
 
 need build
 configure_release
-cmake --build build/release -j "$jobs"
+cmake --build build/release -j "$jobs" --target programs forgeyard_bench
 own_environment "$project_root/build/bench-home"
 exec build/release/bin/forgeyard_bench "$@" "$project_root/build/bench"

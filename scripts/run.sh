@@ -9,7 +9,7 @@ source scripts/common.sh
 need build target
 heading "Build Forgeyard"
 configure_release
-cmake --build build/release -j "$jobs"
+cmake --build build/release -j "$jobs" --target programs
 
 export FORGEYARD=$project_root/build/release/bin/forgeyard
 place=$project_root/build/run
