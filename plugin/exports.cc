@@ -1,12 +1,12 @@
 #include "plugin/exports.h"
 
-#include "plugin/module.h"
+#include "plugin/class_object.h"
 #include "plugin/registration.h"
 
 using namespace forgeyard;
 
 HRESULT DllCanUnloadNow() {
-  return liveObjects.load() == 0 ? S_OK : S_FALSE;
+  return canUnload() ? S_OK : S_FALSE;
 }
 
 HRESULT DllGetClassObject(const Guid& clsid, const Guid& iid, void** out) {

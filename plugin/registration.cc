@@ -2,70 +2,111 @@
 
 #include <dlfcn.h>
 
+#include <algorithm>
+#include <filesystem>
+
 #include "platform/registry/registry.h"
-#include "plugin/module.h"
+#include "platform/storage/storage_status.h"
+#include "platform/text/fold.h"
+#include "plugin/class_registration.h"
+#include "typelib/classes.h"
 
 namespace forgeyard {
 
 namespace {
 
-// Keys of classes stand beside those of the user.
-constexpr std::string_view kClasses = R"(HKEY_CLASSES_ROOT\)";
-
-std::string classKey(const ClassEntry& entry) {
-  return std::string(kClasses) + "CLSID\\{" + formatGuid(entry.clsid) + "}";
+bool isAt(const RegistryEntry& entry, std::string_view key) {
+  return equalFolded(entry.key, key);
 }
 
-void enter(Registry& registry, const ClassEntry& entry, const std::string& path) {
-  const std::string name = entry.name;
-  const std::string title = name + " Class";
-  const std::string id = "{" + formatGuid(entry.clsid) + "}";
-  const std::string versioned = std::string(kClasses) + "KV." + name + ".1";
-  const std::string general = std::string(kClasses) + "KV." + name;
-  registry.setValue(versioned, "", title);
-  registry.setValue(versioned + "\\CLSID", "", id);
-  registry.setValue(general, "", title);
-  registry.setValue(general + "\\CurVer", "", "KV." + name + ".1");
-  registry.setValue(general + "\\CLSID", "", id);
-  const std::string key = classKey(entry);
-  registry.setValue(key, "", title);
-  registry.setValue(key + "\\ProgID", "", "KV." + name + ".1");
-  registry.setValue(key + "\\VersionIndependentProgID", "", "KV." + name);
-  registry.createKey(key + "\\Programmable");
-  registry.setValue(key + "\\InprocServer32", "", path);
-  registry.setValue(key + "\\InprocServer32", "ThreadingModel", "Apartment");
+bool isAtOrBelow(const RegistryEntry& entry, std::string_view key) {
+  return isAt(entry, key) || (entry.key.size() > key.size() && entry.key[key.size()] == '\\' &&
+                              equalFolded(std::string_view(entry.key).substr(0, key.size()), key));
 }
 
-void remove(Registry& registry, const ClassEntry& entry) {
-  const std::string name = entry.name;
-  registry.removeKey(std::string(kClasses) + "KV." + name + ".1");
-  registry.removeKey(std::string(kClasses) + "KV." + name);
-  registry.removeKey(classKey(entry));
-}
-
-template <class Change>
-HRESULT changeAll(Change&& change) {
-  return guard([&] {
-    const auto error = Registry::update(Registry::defaultFile(), [&](Registry& registry) {
-      for (const ClassEntry& entry : objectMap()) change(registry, entry);
+// Takes out of a key what is none of the entries, so that nothing stays of an older version.
+void removeOthers(Registry& registry, const std::string& key, const std::vector<RegistryEntry>& entries) {
+  const auto open = registry.open(key);
+  if (!open) return;
+  const std::vector<std::string> subkeys = open->subkeys();
+  for (const std::string& name : open->valueNames()) {
+    const bool wanted = std::any_of(entries.begin(), entries.end(), [&](const RegistryEntry& entry) {
+      return isAt(entry, key) && entry.text && equalFolded(entry.name, name);
     });
-    return error ? E_FAIL : S_OK;
+    if (!wanted) registry.removeValue(key, name);
+  }
+  for (const std::string& subkey : subkeys) {
+    const std::string below = key + "\\" + subkey;
+    const bool wanted = std::any_of(entries.begin(), entries.end(),
+                                    [&](const RegistryEntry& entry) { return isAtOrBelow(entry, below); });
+    if (wanted) {
+      removeOthers(registry, below, entries);
+    } else {
+      registry.removeKey(below);
+    }
+  }
+}
+
+void enter(Registry& registry, const std::vector<RegistryEntry>& entries) {
+  for (const RegistryEntry& entry : entries) {
+    if (entry.text) {
+      registry.setValue(entry.key, entry.name, *entry.text);
+    } else {
+      registry.createKey(entry.key);
+    }
+  }
+}
+
+void enterTypeLibrary(Registry& registry, const std::string& modulePath) {
+  const std::string version = R"(HKEY_CLASSES_ROOT\TypeLib\{)" + formatGuid(LIBID_FORGEYARDLib) + R"(}\1.0)";
+  registry.setValue(version, "", "Forgeyard 1.0 Type Library");
+  registry.setValue(version + R"(\FLAGS)", "", "0");
+  registry.setValue(version + R"(\409\linux)", "", modulePath);
+}
+
+// The loader knows the path as it was given, which may be relative to where the process stood at that moment.
+const std::string kLoadedFrom = [] {
+  Dl_info info{};
+  if (!dladdr(reinterpret_cast<void*>(&enterTypeLibrary), &info) || !info.dli_fname) return std::string();
+  std::error_code error;
+  const std::filesystem::path whole = std::filesystem::absolute(info.dli_fname, error);
+  return error ? std::string(info.dli_fname) : whole.lexically_normal().string();
+}();
+
+// One write for all classes.
+template <class Change>
+HRESULT changeRegistry(Change&& change) {
+  return guard([&] {
+    const auto error = Registry::update(Registry::defaultFile(), std::forward<Change>(change));
+    return error ? compound::statusOf(error->code, compound::Attempt::Write) : S_OK;
   });
 }
 
 }  // namespace
 
 HRESULT registerClasses(const std::string& path) {
-  return changeAll([&](Registry& registry, const ClassEntry& entry) { enter(registry, entry, path); });
+  return changeRegistry([&](Registry& registry) {
+    for (const RegisteredClass& one : registeredClasses()) {
+      const std::vector<RegistryEntry> entries = one.entries(path);
+      removeOthers(registry, one.classKey(), entries);
+      enter(registry, entries);
+    }
+    enterTypeLibrary(registry, path);
+  });
 }
 
 HRESULT unregisterClasses() {
-  return changeAll(remove);
+  return changeRegistry([](Registry& registry) {
+    for (const RegisteredClass& one : registeredClasses()) {
+      for (const std::string& key : {one.versionedProgramKey(), one.programKey(), one.classKey()}) {
+        registry.removeKey(key);
+      }
+    }
+  });
 }
 
-std::string modulePath() {
-  Dl_info info{};
-  return dladdr(reinterpret_cast<void*>(&registerClasses), &info) && info.dli_fname ? info.dli_fname : "";
+const std::string& modulePath() {
+  return kLoadedFrom;
 }
 
 }  // namespace forgeyard

@@ -6,12 +6,14 @@
 
 namespace forgeyard {
 
-// Enters the classes of the object map into the user's registry as served by the module at `modulePath`, a
-// host path, or takes them out again. Classes of others stay as they are.
+// Enters the module's classes, with their categories, and its type library into the user's registry as served
+// by the module at `modulePath`, a host path; what an older version said of these classes goes. Taking them
+// out again leaves the type library. Classes of others stay as they are. Each is one change of the registry
+// file; fails with the status of that file.
 HRESULT registerClasses(const std::string& modulePath);
 HRESULT unregisterClasses();
 
-// The host path of the binary that this code is in.
-std::string modulePath();
+// The absolute host path of the binary that this code is in.
+const std::string& modulePath();
 
 }  // namespace forgeyard

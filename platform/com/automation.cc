@@ -7,6 +7,8 @@
 #include <limits>
 #include <string>
 
+#include "platform/text/fold.h"
+
 namespace forgeyard {
 
 namespace {
@@ -38,15 +40,6 @@ HRESULT integral(double value, T* out) {
   }
   *out = static_cast<T>(rounded);
   return S_OK;
-}
-
-bool isText(const BString& text, std::string_view word) {
-  const std::string narrow = text.narrow();
-  if (narrow.size() != word.size()) return false;
-  for (std::size_t i = 0; i < word.size(); ++i) {
-    if ((narrow[i] | 0x20) != word[i]) return false;
-  }
-  return true;
 }
 
 }  // namespace
@@ -95,11 +88,11 @@ HRESULT Variant::toUint32(std::uint32_t* out) const {
 
 HRESULT Variant::toBool(bool* out) const {
   if (const auto* text = get<BString>()) {
-    if (isText(*text, "true")) {
+    if (equalFoldedAscii(text->view(), u"true")) {
       *out = true;
       return S_OK;
     }
-    if (isText(*text, "false")) {
+    if (equalFoldedAscii(text->view(), u"false")) {
       *out = false;
       return S_OK;
     }

@@ -2,17 +2,15 @@
 
 #include <algorithm>
 
+#include "platform/text/fold.h"
+
 namespace forgeyard {
 
 namespace {
 
-char lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 bool sameName(const char* ascii, std::u16string_view name) {
   for (const char16_t c : name) {
-    if (*ascii == 0 || c > 0x7F || lower(*ascii) != lower(static_cast<char>(c))) return false;
+    if (*ascii == 0 || foldAscii(static_cast<char16_t>(*ascii)) != foldAscii(c)) return false;
     ++ascii;
   }
   return *ascii == 0;

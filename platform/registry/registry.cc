@@ -47,6 +47,10 @@ std::optional<std::size_t> placeBelow(std::string_view section, std::string_view
   return std::nullopt;
 }
 
+bool isBlank(const RegistryLine& line) {
+  return line.raw.find_first_not_of(BLANK_LINE) == std::string_view::npos;
+}
+
 bool isSectionOf(const RegistryLine& line, std::string_view fullKey) {
   return line.kind == Kind::Section && !line.name.empty() && isNamed(line.name, fullKey);
 }
@@ -186,7 +190,7 @@ std::optional<std::size_t> Registry::placeForValue(std::string_view fullKey) con
 void Registry::createKey(std::string_view key) {
   const std::string fullKey = fullKeyOf(key);
   if (placeForValue(fullKey)) return;
-  if (!lines_.empty() && lines_.back().raw.find_first_not_of(BLANK_LINE) != std::string_view::npos) {
+  if (!lines_.empty() && !isBlank(lines_.back())) {
     insert(lines_.size(), "");
   }
   insert(lines_.size(), registrySectionLine(fullKey));
@@ -214,7 +218,8 @@ bool Registry::removeValue(std::string_view key, std::string_view name) {
          }) > 0;
 }
 
-// A section goes from its own line to its last value; comments below that may belong to what follows.
+// A section goes from its own line to its last value; comments below that may belong to what follows. The
+// blank line ahead of it, which parted it from others, goes as well.
 bool Registry::removeKey(std::string_view key) {
   const std::string fullKey = fullKeyOf(key);
   std::vector<RegistryLine> kept;
@@ -223,6 +228,7 @@ bool Registry::removeKey(std::string_view key) {
   for (std::size_t i = 0; i < lines_.size(); ++i) {
     if (isSectionAtOrBelow(lines_[i], fullKey)) {
       removed = true;
+      if (!kept.empty() && isBlank(kept.back())) kept.pop_back();
       sectionEnd = i + 1;
       for (std::size_t j = i + 1; j < lines_.size() && lines_[j].kind != Kind::Section; ++j) {
         if (lines_[j].kind == Kind::Value) sectionEnd = j + 1;

@@ -12,18 +12,7 @@
 #include <typeinfo>
 
 #include "tests/com/live_objects.h"
-#include "typelib/builder.h"
-#include "typelib/buildtool.h"
-#include "typelib/collections.h"
-#include "typelib/component.h"
-#include "typelib/configuration.h"
-#include "typelib/connection.h"
-#include "typelib/cookies.h"
-#include "typelib/folder.h"
-#include "typelib/output.h"
-#include "typelib/project.h"
-#include "typelib/self_documenting.h"
-#include "typelib/settings.h"
+#include "tests/support/dual_interfaces.h"
 
 namespace forgeyard {
 namespace {
@@ -73,17 +62,12 @@ Described described() {
 }
 
 template <class... Is>
-std::vector<Described> describedAll() {
+std::vector<Described> describedAll(TypeList<Is...>) {
   return {described<Is>()...};
 }
 
 const std::vector<Described>& descriptions() {
-  static const auto all =
-      describedAll<IBuilderTask, IProjects, IBuildTool, ISimpleCollection, IComponent, IComponents,
-                   IConfiguration, IConfigurations, IConnection, IConnections, IKVSupportCookies, ISourceFile,
-                   ISourceFiles, IFolder, IFolderSettings, IOutputTab, IProject, IEntry, IEntries,
-                   IBuilderSettings, ICmdLineSettings, ICcSettings, IAsmSettings, ILinkSettings,
-                   ILinkerSettings, ICmdLine, ICc, IAsm, ILinker>();
+  static const auto all = describedAll(test::DualInterfaces{});
   return all;
 }
 

@@ -118,6 +118,16 @@ TEST(Registry, RemovesAKeyWithAllBelowAndKeepsForeignComments) {
   EXPECT_FALSE(registry.removeValue(registry_keys::KORVEL, "none"));
 }
 
+TEST(Registry, LeavesNoBlankLinesOfItsOwnWhenKeysComeAndGo) {
+  Registry registry = Registry::parse(TEXT);
+  for (const char* key : {"HKEY_CLASSES_ROOT\\a", "HKEY_CLASSES_ROOT\\a\\b", "HKEY_CLASSES_ROOT\\c"}) {
+    registry.setValue(key, "", "text");
+  }
+  EXPECT_TRUE(registry.removeKey("HKEY_CLASSES_ROOT\\a"));
+  EXPECT_TRUE(registry.removeKey("HKEY_CLASSES_ROOT\\c"));
+  EXPECT_EQ(registry.text(), TEXT);
+}
+
 TEST(Registry, KeepsLineEndsAndTheByteOrderMark) {
   Registry registry = Registry::parse("\xEF\xBB\xBF[HKEY_CURRENT_USER\\a]\r\nx=1\r\n");
   EXPECT_EQ(registry.value("a", "x"), "1");
