@@ -102,9 +102,25 @@ struct IDamageReport : IUnknown {
   virtual HRESULT Findings(std::vector<BString>* out) = 0;
 };
 
-// Opens or makes a compound file at a host-mapped path in backslash form. The file stays locked against other
-// openers, in this process and others, until the last reference to the root goes. Nothing reaches the file
-// before Commit of the root, which is atomic and durable.
+// Both open the root of a compound file at a model path. The file is locked against other openers, in this
+// process and in others, until the last reference to the root goes (STG_E_SHAREVIOLATION for them). Nothing
+// reaches it before Commit of the root, which is atomic and durable: the file holds the old state or the new
+// one, whatever happens. A root that may write has to be transacted. Streams and storages below are open once
+// at a time, and are cut off (STG_E_REVERTED) when their parent goes, is reverted, or they are destroyed or
+// replaced.
+//
+// StgCreateDocfile: with STGM_CREATE a file that stands there is replaced by the first Commit, and is
+// untouched until then; without it, STG_E_FILEALREADYEXISTS. Where none stands an empty compound file does
+// from now on.
+//
+// StgOpenStorage: STG_E_ACCESSDENIED for writing to a file that is marked as read-only. See IDamageReport for
+// files that are damaged; STG_E_INVALIDHEADER or STG_E_DOCFILECORRUPT where nothing can be read.
+//
+// Commit of a root: STG_E_NOTCURRENT if a program that doesn't know the lock wrote into the file since it was
+// opened, or, with STGC_ONLYIFCURRENT, put another one in its place. STG_E_MEDIUMFULL, STG_E_WRITEFAULT,
+// STG_E_ACCESSDENIED (the directory has to be writable) leave the old file, and the uncommitted state for
+// another try. Symbolic links, permissions, group and access lists survive; other hard links to the file keep
+// the old contents.
 HRESULT StgCreateDocfile(const BString& path, std::uint32_t mode, Ref<IStorage>* out);
 HRESULT StgOpenStorage(const BString& path, std::uint32_t mode, Ref<IStorage>* out);
 

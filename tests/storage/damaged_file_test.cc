@@ -267,16 +267,20 @@ TEST_F(DamagedFile, NeitherSharedChainsNorDepthMultiplyTheWork) {
   }
   EXPECT_EQ(total, 1'000'000u);
 
-  std::vector<ImageElement> chain;
-  for (int i = 0; i < 20000; ++i) {
-    std::vector<ImageElement> outer(1);
-    outer[0] = {.name = u"D", .bytes = "", .storage = true, .children = std::move(chain)};
-    chain = std::move(outer);
+  // Siblings of one name, linked anew so that each is the child of the one before it.
+  constexpr std::uint32_t kDepth = 50000;
+  Image deep(buildImage(
+      std::vector<ImageElement>(kDepth, {.name = u"D", .bytes = "", .storage = true, .children = {}})));
+  for (std::uint32_t id = 1; id <= kDepth; ++id) {
+    const std::size_t entry = deep.sector(deep.u32(48)) + 128 * std::size_t{id};
+    deep.set(entry + kRight, kFree);
+    deep.set(entry + kChild, id < kDepth ? id + 1 : kFree);
   }
-  directory_.put("p.nqp", buildImage(chain));
+  directory_.put("p.nqp", deep.bytes);
   const Ref<IStorage> root = open();
   check(root->SetClass(IStorage::iid));
   check(root->Commit(STGC_DEFAULT));
+  EXPECT_THAT(findingsOf(root.get()), IsEmpty());
   check(openStorage(root.get(), u"D")->DestroyElement(u"D"));
 }
 
