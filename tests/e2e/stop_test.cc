@@ -15,6 +15,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 constexpr auto kLimit = std::chrono::seconds(2);
+// Where a second of grace is part of it, the rest must do for a machine that is busy with other tests.
+constexpr auto kForcedLimit = std::chrono::seconds(4);
 
 class Stop : public Sandbox {
  protected:
@@ -97,7 +99,7 @@ TEST_F(Stop, EndsAToolThatIgnoresThePoliteSignal) {
   const auto begin = Clock::now();
   build.interrupt();
   const Outcome outcome = build.finish();
-  EXPECT_LT(Clock::now() - begin, kLimit);
+  EXPECT_LT(Clock::now() - begin, kForcedLimit);
   expectStopped(outcome);
 }
 
