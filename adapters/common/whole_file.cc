@@ -45,6 +45,16 @@ std::optional<std::string> readWholeFile(const std::string& file) {
   return std::nullopt;
 }
 
+std::string readBeginning(const std::string& file, std::size_t size) {
+  const int fd = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd < 0) return {};
+  std::string content(size, '\0');
+  const ssize_t got = ::read(fd, content.data(), size);
+  ::close(fd);
+  content.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+  return content;
+}
+
 int writeWholeFile(const std::string& file, std::string_view content) {
   return writeNew(file, content, O_TRUNC);
 }

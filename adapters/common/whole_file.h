@@ -14,6 +14,9 @@ namespace forgeyard {
 // Nothing, with errno set, if the file can't be read whole.
 std::optional<std::string> readWholeFile(const std::string& file);
 
+// At most `size` bytes from the start of the file; fewer if there are no more or it can't be read.
+std::string readBeginning(const std::string& file, std::size_t size);
+
 // Makes or empties the file and writes the content; removes it again if that fails.
 [[nodiscard]] int writeWholeFile(const std::string& file, std::string_view content);
 

@@ -2,6 +2,7 @@
 
 #include <errno.h>
 
+#include <algorithm>
 #include <optional>
 #include <utility>
 
@@ -66,10 +67,14 @@ class Link {
   }
 
   bool readScript() {
+    std::vector<std::string> problems;
     if (!script_.read(command_.script)) {
-      for (const std::string& problem : script_.problems()) diagnostics_.line(problem);
-      return steps_.fail("nothing linked: the script can't be used", ADAPTER_FAILED);
+      problems = script_.problems();
+    } else if (!script_.namesInputs() && !hasLibraryOption()) {
+      problems.push_back(script_.namesNothing());
     }
+    for (const std::string& problem : problems) diagnostics_.line(problem);
+    if (!problems.empty()) return steps_.fail("nothing linked: the script can't be used", ADAPTER_FAILED);
     const ScriptPlace& place = script_.globalPointer();
     if (!command_.globalPointer.empty() && !place.file.empty()) {
       diagnostics_.line(place.file + ":" + std::to_string(place.line) +
@@ -77,6 +82,11 @@ class Link {
                         " has no effect");
     }
     return true;
+  }
+
+  bool hasLibraryOption() const {
+    return std::any_of(command_.options.begin(), command_.options.end(),
+                       [](const std::string& option) { return option.starts_with("-l"); });
   }
 
   bool ownLayout() const { return !command_.globalPointer.empty() && !script_.hasSections(); }

@@ -69,7 +69,9 @@ class CommandReader {
     const Healed path = healExisting(value, words_, at_,
                                      [&](const std::string& text) { return spelling_.isDirectory(text); });
     at_ += path.joined;
-    command_.directories.push_back(spelling_.path(path.path));
+    std::string directory = spelling_.path(path.path);
+    if (directory.size() > 1 && directory.ends_with('/')) directory.pop_back();
+    command_.directories.push_back(std::move(directory));
   }
 
   void readFiles() {

@@ -1,6 +1,7 @@
 #include "adapters/linker/link_script.h"
 
 #include <errno.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -59,8 +60,8 @@ bool isAssignment(std::string_view word) {
   return at != word.npos && !word.substr(at + 1).starts_with('=');
 }
 
-std::string quoted(const std::string& name) {
-  return '"' + name + '"';
+std::string quoted(std::string_view name) {
+  return '"' + std::string(name) + '"';
 }
 
 // A name as the linker reads it back: quoted if it would be taken apart, or for a comment, without.
@@ -85,6 +86,49 @@ std::string at(const ScriptPlace& place) {
   return place.file + ":" + std::to_string(place.line) + ": ";
 }
 
+bool isOpenComment(const ScriptToken& token) {
+  return token.kind == Kind::Comment && (token.text.size() < 4 || !token.text.ends_with("*/"));
+}
+
+bool isOpenQuote(const ScriptToken& token) {
+  return token.kind == Kind::Quoted && (token.text.size() < 2 || !token.text.ends_with('"'));
+}
+
+// The linker's complaints that name something of the script but no place in it: the words before and behind
+// the name.
+struct Complaint {
+  std::string_view before;
+  std::string_view behind;
+};
+constexpr std::array COMPLAINTS = {Complaint{": region `", "' overflowed"},
+                                   Complaint{" section `", "' will not fit in region"},
+                                   Complaint{"cannot find entry symbol ", ";"},
+                                   Complaint{": section ", " LMA ["}, Complaint{": section ", " VMA ["}};
+
+std::string_view nameIn(std::string_view line, const Complaint& complaint) {
+  const std::size_t start = line.find(complaint.before);
+  if (start == line.npos) return {};
+  line.remove_prefix(start + complaint.before.size());
+  const std::size_t end = line.find(complaint.behind);
+  return end == line.npos ? std::string_view() : line.substr(0, end);
+}
+
+// Whether the linker would take an input for a script that names further files: then it is read like one.
+bool isScript(const std::string& file) {
+  if (kindOf(file) != S_IFREG) return false;
+  const std::string beginning = readBeginning(file, 8);
+  for (const std::string_view object : {"\x7F"
+                                        "ELF",
+                                        "!<arch>", "!<thin>"}) {
+    if (beginning.starts_with(object)) return false;
+  }
+  const std::string text = readWholeFile(file).value_or("");
+  if (text.find('\0') != text.npos) return false;
+  constexpr std::array<std::string_view, 4> NAMING = {"INPUT", "GROUP", "STARTUP", "INCLUDE"};
+  return std::any_of(NAMING.begin(), NAMING.end(),
+                     [&](std::string_view word) { return text.find(word) != text.npos; });
+}
+
 void replaceAll(std::string& text, const std::string& from, const std::string& to) {
   for (std::size_t i = 0; (i = text.find(from, i)) != text.npos; i += to.size())
     text.replace(i, from.size(), to);
@@ -98,13 +142,14 @@ struct LinkScript::Source {
   bool nested = false;  // included between braces, so that its outermost words are no statements
   std::vector<ScriptToken> tokens{};
   std::size_t next = 0;
-  int depth = 0;
+  std::vector<ScriptToken> open{};  // the parentheses and braces that stand open, outermost first
   bool statementStart = true;
   Names names = Names::None;
   std::string copy{};
 
   const ScriptToken& token() const { return tokens[next]; }
-  ScriptPlace place() const { return {file, token().line}; }
+  ScriptPlace place() const { return placeOf(token()); }
+  ScriptPlace placeOf(const ScriptToken& other) const { return {file, other.line}; }
   // The next token that means something; the end at last.
   std::size_t followingIndex() const {
     std::size_t i = next;
@@ -116,7 +161,17 @@ struct LinkScript::Source {
   const ScriptToken& following() const { return tokens[followingIndex()]; }
 };
 
+// An input as the linker is to look for it, and the file that it will find; empty if there is none.
+struct LinkScript::InputFile {
+  InputFile(std::string name, std::string path) : seen(std::move(name)), file(std::move(path)) {}
+  explicit InputFile(const std::string& both) : seen(both), file(both) {}
+
+  std::string seen;
+  std::string file;
+};
+
 bool LinkScript::read(const std::string& script) {
+  script_ = script;
   copy_ = copyScript(script, false);
   if (copy_.empty()) problems_.push_back("cannot read " + script + ": " + errorWords(errno));
   return problems_.empty();
@@ -125,8 +180,12 @@ bool LinkScript::read(const std::string& script) {
 // The name of the copy; empty, with errno set, if the script can't be read.
 std::string LinkScript::copyScript(const std::string& script, bool nested) {
   if (const auto known = copied_.find(script); known != copied_.end()) return known->second;
-  const std::optional<std::string> text = readWholeFile(script);
+  std::optional<std::string> text = readWholeFile(script);
   if (!text) return {};
+  if (text->find('\0') != text->npos) {
+    problem({script, 1}, "this is no text, so no linker script");
+    text->clear();
+  }
   Source source{script, nested};
   ScriptScanner scanner(*text);
   do {
@@ -134,6 +193,7 @@ std::string LinkScript::copyScript(const std::string& script, bool nested) {
   } while (source.tokens.back().kind != Kind::End);
   reading_.push_back(script);
   rewrite(source);
+  noteUnfinished(source);
   reading_.pop_back();
   const std::string copy = copies_ + "/" + std::to_string(copied_.size()) + ".lk";
   if (const int error = writeWholeFile(copy, source.copy); error != 0) {
@@ -153,25 +213,43 @@ void LinkScript::rewrite(Source& source) {
     }
     source.copy += token.text;
     if (token.kind != Kind::Mark) continue;
-    if (token.isMark('(') || token.isMark('{')) ++source.depth;
-    if (token.isMark(')') || token.isMark('}')) source.depth = std::max(source.depth - 1, 0);
-    if (source.depth > 0 || token.isMark(',')) continue;
+    if (token.isMark('(') || token.isMark('{')) source.open.push_back(token);
+    if ((token.isMark(')') || token.isMark('}')) && !source.open.empty()) source.open.pop_back();
+    if (!source.open.empty() || token.isMark(',')) continue;
     source.names = Names::None;
     source.statementStart = true;
   }
 }
 
+// For the linker's complaints about the end: which place is to blame. An included script comes first.
+void LinkScript::noteUnfinished(const Source& source) {
+  const auto last = std::find_if(source.tokens.rbegin(), source.tokens.rend(), [](const ScriptToken& token) {
+    return token.kind != Kind::Space && token.kind != Kind::End;
+  });
+  if (!unfinished_.what.empty() || last == source.tokens.rend()) return;
+  if (isOpenComment(*last)) {
+    unfinished_ = {source.placeOf(*last), "this comment isn't closed"};
+  } else if (!source.open.empty()) {
+    const ScriptToken& innermost = source.open.back();
+    unfinished_ = {source.placeOf(innermost), "this " + quoted(innermost.text) + " isn't closed"};
+  } else if (reading_.size() == 1) {
+    unfinished_ = {source.placeOf(*last), "the script ends inside a statement"};
+  }
+}
+
 void LinkScript::rewriteWord(Source& source) {
   const ScriptToken& token = source.token();
+  places_.try_emplace(withSlashes(unquoted(token.text)), source.place());
+  if (isOpenQuote(token)) problem(source.place(), "a quote isn't closed on its line");
   const bool setsPointer =
       token.is("_gp") && source.following().kind == Kind::Word && isAssignment(source.following().text);
   if (setsPointer || (token.text.starts_with("_gp=") && isAssignment(token.text))) {
     globalPointer_ = source.place();
   }
-  if (source.depth == 0 && source.statementStart) beginStatement(source);
+  if (source.open.empty() && source.statementStart) beginStatement(source);
   if (token.is("INCLUDE")) {
     include(source);
-  } else if (source.depth > 0 && source.names != Names::None && !token.is("AS_NEEDED")) {
+  } else if (!source.open.empty() && source.names != Names::None && !token.is("AS_NEEDED")) {
     rewriteName(source);
   } else {
     source.copy += otherWord(token);
@@ -213,17 +291,25 @@ void LinkScript::include(Source& source) {
     --source.next;
     return;
   }
-  source.statementStart = source.depth == 0;
+  source.statementStart = source.open.empty();
   const std::string name(unquoted(token.text));
   const std::string file = findIncluded(name);
-  const auto outer = std::find_if(reading_.begin(), reading_.end(),
-                                  [&](const std::string& other) { return sameFile(other, file); });
   if (file.empty()) {
     problem(place, "cannot find " + name + "; looked in " + searchedText());
-  } else if (outer != reading_.end()) {
+  } else {
+    nameScript(source, place, name, file, source.nested || !source.open.empty());
+  }
+}
+
+// Puts the copy of another script where `source` names it.
+void LinkScript::nameScript(Source& source, const ScriptPlace& place, const std::string& name,
+                            const std::string& file, bool nested) {
+  const auto outer = std::find_if(reading_.begin(), reading_.end(),
+                                  [&](const std::string& other) { return sameFile(other, file); });
+  if (outer != reading_.end()) {
     problem(place, outer + 1 == reading_.end() ? name + " includes itself"
                                                : name + " includes itself by way of " + source.file);
-  } else if (const std::string copy = copyScript(file, source.nested || source.depth > 0); copy.empty()) {
+  } else if (const std::string copy = copyScript(file, nested); copy.empty()) {
     problem(place, "cannot read " + file + ": " + errorWords(errno));
   } else {
     source.copy += quoted(copy);
@@ -238,25 +324,32 @@ void LinkScript::rewriteName(Source& source) {
     source.copy += scriptName(isAbsolute(name) ? spelling_.path(name) : withSlashes(name), wasQuoted);
     return;
   }
-  const std::string seen = inputName(name);
-  inputs_.try_emplace(seen, Input{name, source.place()});
-  source.copy += scriptName(seen, wasQuoted);
+  const InputFile input = inputFile(name);
+  inputs_.try_emplace(input.seen, Input{name, source.place()});
+  if (isScript(input.file)) {
+    // Its sections add to the linker's layout and don't replace it.
+    const bool sections = hasSections_;
+    nameScript(source, source.place(), name, input.file, false);
+    hasSections_ = sections;
+  } else {
+    source.copy += scriptName(input.seen, wasQuoted);
+  }
 }
 
-// What the linker is to look for: the name itself if that is there, else what differs from it in case only.
-std::string LinkScript::inputName(const std::string& name) {
-  if (name.starts_with('-') || name.starts_with('=') || name.starts_with('$')) return name;
-  if (isAbsolute(name)) return spelling_.path(name);
+// The name itself if that is there, else what differs from it in case only.
+LinkScript::InputFile LinkScript::inputFile(const std::string& name) {
+  if (name.starts_with('-') || name.starts_with('=') || name.starts_with('$')) return {name, {}};
+  if (isAbsolute(name)) return InputFile(spelling_.path(name));
   const std::string relative = withSlashes(name);
-  if (kindOf(relative) != 0) return relative;
+  if (kindOf(relative) != 0) return InputFile(relative);
   for (const std::string& directory : searched_) {
-    if (kindOf(directory + "/" + relative) != 0) return relative;
+    if (const std::string file = directory + "/" + relative; kindOf(file) != 0) return {relative, file};
   }
-  if (const auto found = spelling_.existing(relative)) return *found;
+  if (const auto found = spelling_.existing(relative)) return InputFile(*found);
   for (const std::string& directory : searched_) {
-    if (const auto found = spelling_.existing(directory + "/" + relative)) return *found;
+    if (const auto found = spelling_.existing(directory + "/" + relative)) return InputFile(*found);
   }
-  return relative;
+  return {relative, {}};
 }
 
 // Empty if there is none.
@@ -284,17 +377,63 @@ std::string LinkScript::withOriginals(std::string text) const {
   return text;
 }
 
+std::string LinkScript::namesNothing() const {
+  return at({script_, 1}) + "the script names nothing to link; INPUT(a.obj b.obj) would";
+}
+
 std::string LinkScript::explain(std::string_view linkerLine) const {
   // The linker doesn't know that the file is meant to be a script.
   if (linkerLine.find("treating as linker script") != linkerLine.npos) return {};
   if (const std::string missing = explainMissing(linkerLine); !missing.empty()) return missing;
+  if (linkerLine.ends_with(": no input files")) return namesNothing();
   const std::string line = withOriginals(std::string(linkerLine));
+  if (const std::string end = explainEnd(line); !end.empty()) return end;
   // PROGRAM:SCRIPT:LINE: is the form of a complaint about a script; without the program it can be clicked.
   for (const auto& [original, copy] : copied_) {
     const std::size_t start = line.find(":" + original + ":");
     if (start != line.npos && line.find(' ') > start) return line.substr(start + 1);
   }
-  return line;
+  return placed(line);
+}
+
+// At the end of the script the linker has forgotten the line.
+std::string LinkScript::explainEnd(const std::string& line) const {
+  if (unfinished_.what.empty()) return {};
+  const bool atEnd = line.ends_with(": EOF in comment") ||
+                     std::any_of(copied_.begin(), copied_.end(), [&](const auto& entry) {
+                       return line.find(":" + entry.first + ":0: ") != line.npos;
+                     });
+  return atEnd ? at(unfinished_.place) + "syntax error: " + unfinished_.what : "";
+}
+
+// A complaint about something of the script, behind the place where the script has it.
+std::string LinkScript::placed(const std::string& line) const {
+  const ScriptPlace* const place = placeOf(line);
+  if (!place) return line;
+  // The program's name tells nothing then.
+  const std::size_t text = line.find(": ");
+  const bool program = text != line.npos && line.find_first_of("/\\. ") > text;
+  return at(*place) + (program ? line.substr(text + 2) : line);
+}
+
+const ScriptPlace* LinkScript::placeOf(std::string_view line) const {
+  const auto known = [&](std::string_view name) {
+    const auto found = places_.find(name);
+    return found == places_.end() ? nullptr : &found->second;
+  };
+  for (const Complaint& complaint : COMPLAINTS) {
+    if (const ScriptPlace* place = known(nameIn(line, complaint))) return place;
+  }
+  // FILE: file not recognized, of an input; PROGRAM: TEXT, of an assertion.
+  const std::size_t colon = line.find(": ");
+  if (colon == line.npos) return nullptr;
+  const std::string_view rest = line.substr(colon + 2);
+  if (!rest.starts_with("file not recognized")) return known(rest);
+  const std::string_view file = line.substr(0, colon);
+  for (const auto& [seen, input] : inputs_) {
+    if (file == seen || file.ends_with("/" + seen)) return &input.place;
+  }
+  return nullptr;
 }
 
 // PROGRAM: cannot find NAME: REASON, for a name that a script gives; empty for any other line.

@@ -39,14 +39,19 @@ class LinkScript {
   const std::string& copy() const noexcept { return copy_; }
   // Whether it lays out sections, so that it replaces the linker's own layout.
   bool hasSections() const noexcept { return hasSections_; }
+  // Whether it names a file to link; one with sections may do so among them.
+  bool namesInputs() const noexcept { return hasSections_ || !inputs_.empty(); }
+  // The line that says that it doesn't.
+  std::string namesNothing() const;
   // Where it sets _gp itself, which goes before any other wish; file empty if it doesn't.
   const ScriptPlace& globalPointer() const noexcept { return globalPointer_; }
 
   // Text in which every copy's name has become that of its original.
   std::string withOriginals(std::string text) const;
 
-  // A line of the linker as the user should read it: originals for copies; and for an input file that it
-  // can't find, where the script names it and where it was looked for. Empty for a line not worth showing.
+  // A line of the linker as the user should read it: originals for copies, the place in the script that a
+  // complaint without one is about, and for an input that it can't find where it was looked for. Empty for a
+  // line not worth showing.
   std::string explain(std::string_view linkerLine) const;
 
  private:
@@ -55,20 +60,28 @@ class LinkScript {
 
   std::string copyScript(const std::string& script, bool nested);
   void rewrite(Source& source);
+  void noteUnfinished(const Source& source);
   void rewriteWord(Source& source);
   void beginStatement(Source& source);
   void include(Source& source);
   void rewriteName(Source& source);
   std::string otherWord(const ScriptToken& token);
-  std::string inputName(const std::string& name);
+  void nameScript(Source& source, const ScriptPlace& place, const std::string& name, const std::string& file,
+                  bool nested);
+  struct InputFile;
+  InputFile inputFile(const std::string& name);
   std::string findIncluded(const std::string& name);
   std::string searchedText() const;
   void problem(const ScriptPlace& place, std::string_view what);
   std::string explainMissing(std::string_view linkerLine) const;
+  std::string explainEnd(const std::string& line) const;
+  std::string placed(const std::string& line) const;
+  const ScriptPlace* placeOf(std::string_view line) const;
 
   HostSpelling& spelling_;
   const std::vector<std::string>& searched_;
   const std::string& copies_;
+  std::string script_;
   std::string copy_;
   bool hasSections_ = false;
   ScriptPlace globalPointer_;
@@ -79,7 +92,12 @@ class LinkScript {
     std::string spelled;  // in the script
     ScriptPlace place;
   };
-  std::map<std::string, Input, std::less<>> inputs_;  // by what the linker sees
+  std::map<std::string, Input, std::less<>> inputs_;        // by what the linker sees
+  std::map<std::string, ScriptPlace, std::less<>> places_;  // of words and quoted texts; the first of each
+  struct {
+    ScriptPlace place;
+    std::string what;
+  } unfinished_;  // what the script's end comes too early for
 };
 
 }  // namespace forgeyard

@@ -8,11 +8,11 @@
 #include "adapters/common/file_names.h"
 #include "adapters/common/tool_family.h"
 #include "adapters/common/whole_file.h"
+#include "platform/registry/registry_keys.h"
 
 namespace forgeyard {
 namespace {
 
-constexpr std::string_view BUILD_TOOL = R"(Software\Korvel\Build Tool)";
 constexpr std::string_view DEFAULT_PREFIX = "mipsel-linux-gnu-";
 
 // "ld", "ld.bfd": the end of the linker's name that tells it from the other tools.
@@ -45,7 +45,7 @@ LinkerTools LinkerTools::configured(UserRegistry& registry, HostSpelling& spelli
   if (const char* const chosen = ::getenv("FORGEYARD_LINKER"); chosen && *chosen) {
     return fromText(chosen, spelling);
   }
-  const std::string set = registry.get().value(BUILD_TOOL, "Linker").value_or("");
+  const std::string set = registry.get().value(registry_keys::BUILD_TOOL, registry_keys::LINKER).value_or("");
   return fromText(set.empty() ? DEFAULT_PREFIX : std::string_view(set), spelling);
 }
 

@@ -9,6 +9,9 @@ inline constexpr std::string_view ROOT = "HKEY_CURRENT_USER";
 inline constexpr std::string_view KORVEL = R"(Software\Korvel)";
 // Value of KORVEL: the directory of the installation, a backslash path.
 inline constexpr std::string_view HOME = "Home";
+inline constexpr std::string_view BUILD_TOOL = R"(Software\Korvel\Build Tool)";
+// Value of BUILD_TOOL: the GNU linker behind the linker component, a prefix of its tool chain or its path.
+inline constexpr std::string_view LINKER = "Linker";
 // One value for each known target; only the names count.
 inline constexpr std::string_view TARGETS = R"(Software\Korvel\Build Tool\Targets)";
 // Value name the target, text the beginning of the command line.

@@ -53,7 +53,6 @@ TEST_F(LinkScriptTest, SpellsPathsForTheLinkerAndKeepsTheRest) {
        "A = 1 << 2; B += A ? 3 : (4 % 5); PROVIDE(C = .);"},
       {"pattern that would begin a comment", "SECTIONS { .t : { \\*.o(.t) } }",
        "SECTIONS { .t : { \"/*.o\"(.t) } }"},
-      {"quote that isn't closed", "INPUT(\"a\n)", "INPUT(\"a\"\n)"},
       {"nothing", "", ""},
   };
   for (const auto& [name, given, expected] : cases) {
@@ -94,10 +93,11 @@ TEST_F(LinkScriptTest, NamesFileAndLineOfEveryFault) {
   tree_.put("self.lk", "\n INCLUDE \"~/../self.lk\"\n");
   tree_.put("a.lk", "INCLUDE b.lk\n");
   tree_.put("b.lk", "\n\nINCLUDE a.lk\n");
+  tree_.put("c.lk", "\nINPUT(game.lk)\n");
   const std::string lk = tree_ / "game.lk";
   const std::string searched = "; looked in the working directory, " + (tree_ / "lib") + ", " + tree_.path();
   const struct {
-    const char* text;
+    std::string_view text;
     std::vector<std::string> problems;
   } cases[] = {
       {"ENTRY(a)\n\nINPTU(a.obj)\n", {lk + ":3: unknown word \"INPTU\""}},
@@ -107,6 +107,11 @@ TEST_F(LinkScriptTest, NamesFileAndLineOfEveryFault) {
       {"\n\nINCLUDE game.lk\n", {lk + ":3: game.lk includes itself"}},
       {"INCLUDE a.lk\n", {(tree_ / "b.lk") + ":3: a.lk includes itself by way of " + (tree_ / "b.lk")}},
       {"INCLUDE", {lk + ":1: INCLUDE names no file"}},
+      {"\nINPUT(\"a.obj)\n", {lk + ":2: a quote isn't closed on its line"}},
+      {std::string_view("ELF\0\n", 5), {lk + ":1: this is no text, so no linker script"}},
+      {"\n\nINPUT(game.lk)\n", {lk + ":3: game.lk includes itself"}},
+      {"INPUT(x.obj c.lk)\n",
+       {(tree_ / "c.lk") + ":2: game.lk includes itself by way of " + (tree_ / "c.lk")}},
       {"INCLUDE )\nX\n", {lk + ":1: INCLUDE names no file", lk + ":2: unknown word \"X\""}},
   };
   for (const auto& [text, problems] : cases) EXPECT_EQ(read(text).problems(), problems) << text;
@@ -139,6 +144,48 @@ TEST_F(LinkScriptTest, ExplainsWhatTheLinkerSays) {
       {"", ""},
   };
   for (const auto& [line, text] : cases) EXPECT_EQ(script.explain(line), text) << line;
+}
+
+TEST_F(LinkScriptTest, FindsThePlaceThatTheLinkerDoesNotTell) {
+  tree_.put("open.lk", "SECTIONS {\n");
+  const std::string script =
+      "ENTRY(go)\nMEMORY {\n rom : ORIGIN = 0, LENGTH = 1K\n}\nINPUT(a.obj sub\\b.txt)\n"
+      "SECTIONS {\n .text : { *(.text) } > rom\n}\nASSERT(0, \"too \\ big\")\n";
+  const std::string lk = tree_ / "game.lk";
+  const struct {
+    std::string text;  // of the script
+    std::string line;
+    std::string told;
+  } cases[] = {
+      {script, "ld: region `rom' overflowed by 8 bytes", ":3: region `rom' overflowed by 8 bytes"},
+      {script, "ld: out.cpe section `.text' will not fit in region `rom'",
+       ":7: out.cpe section `.text' will not fit in region `rom'"},
+      {script, "ld: section .text LMA [0,1] overlaps section .data LMA [0,1]",
+       ":7: section .text LMA [0,1] overlaps section .data LMA [0,1]"},
+      {script, "ld: warning: cannot find entry symbol go; defaulting to 0",
+       ":1: warning: cannot find entry symbol go; defaulting to 0"},
+      {script, "sub/b.txt: file not recognized: file format not recognized",
+       ":5: sub/b.txt: file not recognized: file format not recognized"},
+      {script, "/x/a.obj: file not recognized: file truncated",
+       ":5: /x/a.obj: file not recognized: file truncated"},
+      {script, "ld: too / big", ":9: too / big"},
+      {script, "ld: no input files", ":1: the script names nothing to link; INPUT(a.obj b.obj) would"},
+      {"A = 1;\n/* c\n", "ld: EOF in comment", ":2: syntax error: this comment isn't closed"},
+      {"SECTIONS {\n .t : { *(.t) }\n", "ld:*:0: syntax error", ":1: syntax error: this \"{\" isn't closed"},
+      {"SECTIONS {\n .t : {\n *(.t\n", "ld:*:0: syntax error", ":3: syntax error: this \"(\" isn't closed"},
+      {"A = 1;\nB = 2\n\n/**/", "ld:*:0: syntax error",
+       ":4: syntax error: the script ends inside a statement"},
+  };
+  for (const auto& [text, line, told] : cases) {
+    const LinkScript& read = this->read(text);
+    std::string seen = line;
+    if (const std::size_t star = seen.find('*'); star != seen.npos) seen.replace(star, 1, read.copy());
+    EXPECT_EQ(read.explain(seen), lk + told) << text;
+  }
+  EXPECT_EQ(read("INCLUDE open.lk\n").explain("ld:" + script_->copy() + ":0: syntax error"),
+            (tree_ / "open.lk") + ":1: syntax error: this \"{\" isn't closed");
+  EXPECT_FALSE(read("ENTRY(a)").namesInputs());
+  EXPECT_TRUE(read("GROUP(-lc)").namesInputs());
 }
 
 }  // namespace

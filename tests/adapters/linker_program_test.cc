@@ -119,6 +119,16 @@ TEST_F(LinkerProgramTest, AFaultIsToldByTheUsersScriptAndLeavesNoOutput) {
       {"unknown word", "ENTRY(__start)\nINPTU(a.obj)\n", "%/bad.lk:2: unknown word \"INPTU\"\n"},
       {"include of itself", "\nINCLUDE bad.lk\n", "%/bad.lk:2: bad.lk includes itself\n"},
       {"syntax", "ENTRY(__start)\nSECTIONS {\n .text : { *(.text }\n}\n", "%/bad.lk:3: syntax error\n"},
+      {"unclosed", "ENTRY(__start)\nINPUT(obj\\start.obj\n",
+       "%/bad.lk:2: syntax error: this \"(\" isn't closed\n"},
+      {"nothing", "", "%/bad.lk:1: the script names nothing to link"},
+      {"nothing but sections", "\nSECTIONS { .text : { *(.text) } }\n",
+       "%/bad.lk:1: the script names nothing"},
+      {"region",
+       "INPUT(obj\\start.obj)\nMEMORY { rom : ORIGIN = 0, LENGTH = 4 }\nSECTIONS { .text : { *(.text) } > "
+       "rom }\nmain = 0;\n",
+       "%/bad.lk:2: region `rom' overflowed by "},
+      {"input of itself", "INPUT(obj\\start.obj\n  bad.lk)\n", "%/bad.lk:2: bad.lk includes itself\n"},
       {"undefined symbol", "ENTRY(__start)\nINPUT(obj\\start.obj)\n", "undefined reference to `main'"},
   };
   for (const auto& [name, script, message] : cases) {

@@ -69,6 +69,7 @@ TEST_F(PropertyCommands, WrongUseChangesNothing) {
       {{"set", "cc", "OptimisationLevel=-1"}, "takes a number"},
       {{"set", "cc", "OptimisationLevel=99999999999"}, "takes a number"},
       {{"set", "cc", "DebugInfo="}, "takes a number"},
+      {{"set", "cc", "WarningLevel=yes"}, "\"yes\" is no value for WarningLevel"},
       {{"set", "cc", "Clone=x"}, "no property Clone"},
       {{"set", "cc", "Name=link"}, "There is a component link already"},
       {{"set", "cc", "Name="}, "needs a name"},

@@ -80,6 +80,24 @@ TEST_F(TargetCommands, AddChangesWhatIsGivenAndRemoveTakesAllOfIt) {
   EXPECT_THAT(content("../registry"), Not(HasSubstr("my target")));
 }
 
+TEST_F(TargetCommands, OneMipsLinkerServesAllTargets) {
+  for (const char* name : {"mips-elf-ld", "arm-none-eabi-ld", "mips64-elf-ld"}) install(name);
+  EXPECT_EQ(withTools({"target", "list"}).output, "linker of all targets: mips-elf-\n");
+  install("mipsel-linux-gnu-ld");
+  EXPECT_EQ(withTools({"target", "detect"}).output,
+            "linker of all targets: known already\n"
+            "There is no compiler (gcc, or a cross compiler) along PATH.\n");
+  must({"target", "add", "x", "--linker", "/opt/no such/ld"});
+  EXPECT_THAT(withTools({"target", "list"}).output,
+              HasSubstr("linker of all targets: /opt/no such/ld  [not found: /opt/no such/ld]\n"));
+  must({"target", "add", "x", "--linker", path("tools")});
+  EXPECT_THAT(withTools({"target", "list"}).output, HasSubstr("[not found: " + path("tools") + "/ld]"));
+  put("../registry", "[HKEY_CURRENT_USER\\Software\\Korvel\\Build Tool\\Targets]\n");
+  EXPECT_THAT(withTools({"target", "detect"}).output,
+              HasSubstr("linker of all targets: added, mipsel-linux-gnu-\n"))
+      << "where there is a choice";
+}
+
 TEST_F(TargetCommands, RemovedTargetsDoNotComeBackByThemselves) {
   install("gcc");
   withTools({"target", "list"});

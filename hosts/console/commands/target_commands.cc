@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "hosts/console/base/nearest.h"
+#include "hosts/console/base/program_paths.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/line_writer.h"
 #include "hosts/console/session/first_start.h"
@@ -51,19 +52,28 @@ ExitCode listTargets(const Invocation&) {
     out.line("  compiler:  " + described(target.compiler, adapters));
     out.line("  assembler: " + described(target.assembler, adapters));
   }
+  if (const std::string linker = registeredLinker(registry); !linker.empty()) {
+    const bool found = findProgram(linkerProgram(linker)).has_value();
+    out.line("linker of all targets: " + linker +
+             (found ? "" : "  [not found: " + linkerProgram(linker) + "]"));
+  }
   return finishOutput(out, ExitCode::Success);
 }
 
 ExitCode addTarget(const Invocation& invocation) {
   const Target target{invocation.text("NAME"), invocation.text("--compiler"), invocation.text("--assembler")};
+  const std::string& linker = invocation.text("--linker");
   if (target.name.empty()) throw Failure("A target needs a name.");
   const std::vector<std::string> names = namesOf(registeredTargets(preparedRegistry()));
   const bool known = std::find(names.begin(), names.end(), target.name) != names.end();
-  if (known && target.compiler.empty() && target.assembler.empty()) {
+  if (known && target.compiler.empty() && target.assembler.empty() && linker.empty()) {
     throw Failure("There is a target " + target.name +
-                  " already. Give --compiler or --assembler to change what it runs.");
+                  " already. Give --compiler, --assembler or --linker to change what it runs.");
   }
-  change([&](Registry& registry) { enterTarget(registry, target); });
+  change([&](Registry& registry) {
+    enterTarget(registry, target);
+    if (!linker.empty()) registry.setValue(registry_keys::BUILD_TOOL, registry_keys::LINKER, linker);
+  });
   return ExitCode::Success;
 }
 
@@ -76,17 +86,27 @@ ExitCode removeOne(const Invocation& invocation) {
   return ExitCode::Success;
 }
 
+// "added" with the text, or that there is one.
+std::string told(const std::string& name, bool known, const std::string& text) {
+  return name + (known ? ": known already" : ": added, " + text);
+}
+
 ExitCode detect(const Invocation&) {
   const std::vector<std::string> before = namesOf(registeredTargets(preparedRegistry()));
   const std::vector<Target> found = detectTargets();
+  const std::string linker = detectLinker();
   LineWriter out(STDOUT_FILENO);
   change([&](Registry& registry) {
     for (const Target& target : found) {
       const bool known = std::find(before.begin(), before.end(), target.name) != before.end();
       // What the user has entered by hand stays.
       if (!known) enterTarget(registry, target);
-      out.line(target.name + (known ? ": known already" : ": added, " + target.compiler));
+      out.line(told(target.name, known, target.compiler));
     }
+    if (linker.empty()) return;
+    const bool known = !registeredLinker(registry).empty();
+    if (!known) registry.setValue(registry_keys::BUILD_TOOL, registry_keys::LINKER, linker);
+    out.line(told("linker of all targets", known, linker));
   });
   if (found.empty())
     out.line(std::string_view("There is no compiler (gcc, or a cross compiler) along PATH."));
@@ -96,18 +116,24 @@ ExitCode detect(const Invocation&) {
 constexpr std::array kCommands{
     Command{
         "target list", "Show the targets, what they run, and what of it is missing here", {}, listTargets},
-    Command{
-        "target add",
-        "Enter a target into the user's registry, or change what it runs",
-        {{{Kind::Text, "NAME", "", "its name, as configurations have it"},
-          {Kind::Option, "--compiler", "TEXT", "how its compiler's command line begins: \"gnu-cc gcc\""},
-          {Kind::Option, "--assembler", "TEXT", "how its assembler's command line begins: \"gnu-as as\""}}},
-        addTarget},
+    Command{"target add",
+            "Enter a target into the user's registry, or change what it runs",
+            {{{Kind::Text, "NAME", "", "its name, as configurations have it"},
+              {Kind::Option, "--compiler", "TEXT", "how its compiler's command line begins: \"gnu-cc gcc\""},
+              {Kind::Option, "--assembler", "TEXT", "how its assembler's command line begins: \"gnu-as as\""},
+              {Kind::Option, "--linker", "TEXT",
+               "what linker components run, whatever the target: a GNU tool chain's prefix, "
+               "\"mipsel-linux-gnu-\", or its linker's path"}}},
+            addTarget},
     Command{"target remove",
             "Take a target out of the user's registry",
             {{{Kind::Text, "NAME", "", "its name"}}},
             removeOne},
-    Command{"target detect", "Enter a target for every compiler along PATH that has none yet", {}, detect},
+    Command{"target detect",
+            "Enter a target for every compiler along PATH that has none yet, and a MIPS linker if none is "
+            "entered",
+            {},
+            detect},
 };
 
 }  // namespace

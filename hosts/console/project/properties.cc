@@ -16,9 +16,10 @@ bool isPlain(const Thunk& thunk) {
   return type != ParamType::Object && type != ParamType::Variant;
 }
 
-bool isFlagOrNumber(const Thunk& put) {
+// A choice among several is an unsigned number, and "yes" is none of them.
+bool isFlag(const Thunk& put) {
   const ParamType type = put.params.front().type;
-  return type == ParamType::I4 || type == ParamType::UI4 || type == ParamType::Bool;
+  return type == ParamType::I4 || type == ParamType::Bool;
 }
 
 const TypeInfo& descriptionOf(IDispatch& object) {
@@ -49,7 +50,7 @@ constexpr std::array kWords{Word{"yes", 1}, Word{"on", 1},  Word{"true", 1},
                             Word{"no", 0},  Word{"off", 0}, Word{"false", 0}};
 
 Variant argumentFor(const Member& member, const std::string& value) {
-  if (isFlagOrNumber(member.put)) {
+  if (isFlag(member.put)) {
     for (const Word& word : kWords) {
       if (equalFoldedAscii(word.text, value)) return Variant(word.value);
     }

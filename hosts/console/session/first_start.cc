@@ -44,6 +44,8 @@ void enterMissing(Registry& registry, const std::string& home) {
   if (registry.open(TARGETS)) return;
   registry.createKey(TARGETS);
   for (const Target& target : detectTargets()) enterTarget(registry, target);
+  if (const std::string linker = detectLinker(); !linker.empty() && registeredLinker(registry).empty())
+    registry.setValue(BUILD_TOOL, LINKER, linker);
 }
 
 }  // namespace

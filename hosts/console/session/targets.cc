@@ -18,18 +18,22 @@ using namespace registry_keys;
 constexpr std::string_view kCompilerAdapter = "gnu-cc";
 constexpr std::string_view kAssemblerAdapter = "gnu-as";
 constexpr std::string_view kCompilerSuffix = "-gcc";
+constexpr std::string_view kLinkerSuffix = "-ld";
 constexpr std::string_view kMipsPrefix = "mipsel-linux-gnu";
-// Small data goes by the global pointer here, which position-independent code and the abicalls can't do.
+// Small data goes by the global pointer, which position-independent code and the abicalls of Linux can't do.
 constexpr std::string_view kMipsOptions = " -mno-abicalls -fno-pic";
 
 std::string commandLine(std::string_view adapter, std::string_view tool) {
   return std::string(adapter) + " " + std::string(tool);
 }
 
+bool isMips(const std::string& prefix) {
+  return prefix.starts_with("mips") && !prefix.starts_with("mips64");
+}
+
 Target crossTarget(const std::string& prefix) {
-  const bool mips = prefix == kMipsPrefix;
-  Target target{mips ? "mips" : prefix, commandLine(kCompilerAdapter, prefix + "-gcc"), ""};
-  if (mips) target.compiler += kMipsOptions;
+  Target target{prefix == kMipsPrefix ? "mips" : prefix, commandLine(kCompilerAdapter, prefix + "-gcc"), ""};
+  if (isMips(prefix) && prefix.find("-linux") != prefix.npos) target.compiler += kMipsOptions;
   if (findProgram(prefix + "-as")) target.assembler = commandLine(kAssemblerAdapter, prefix + "-as");
   return target;
 }
@@ -51,19 +55,25 @@ bool isToolChain(const std::string& prefix) {
   return findProgram(prefix + "-as") || findProgram(prefix + "-ld");
 }
 
-std::set<std::string> crossPrefixes() {
+// What stands before the suffix in the names of programs along PATH.
+std::set<std::string> prefixesOf(std::string_view suffix) {
   std::set<std::string> prefixes;
   for (const std::string& directory : searchPath()) {
     std::error_code error;
     for (const auto& entry : fs::directory_iterator(directory, error)) {
       const std::string name = entry.path().filename().string();
-      if (name.size() > kCompilerSuffix.size() && name.ends_with(kCompilerSuffix))
-        prefixes.insert(name.substr(0, name.size() - kCompilerSuffix.size()));
+      if (name.size() > suffix.size() && name.ends_with(suffix))
+        prefixes.insert(name.substr(0, name.size() - suffix.size()));
     }
   }
-  std::erase_if(prefixes, [](const std::string& prefix) {
-    return !findProgram(prefix + "-gcc") || !isToolChain(prefix) || isNative(prefix);
-  });
+  std::erase_if(prefixes,
+                [&](const std::string& prefix) { return !findProgram(prefix + std::string(suffix)); });
+  return prefixes;
+}
+
+std::set<std::string> crossPrefixes() {
+  std::set<std::string> prefixes = prefixesOf(kCompilerSuffix);
+  std::erase_if(prefixes, [](const std::string& prefix) { return !isToolChain(prefix) || isNative(prefix); });
   return prefixes;
 }
 
@@ -90,6 +100,25 @@ std::vector<Target> detectTargets() {
   for (const std::string& prefix : crossPrefixes()) targets.push_back(crossTarget(prefix));
   std::sort(targets.begin(), targets.end(), [](const auto& a, const auto& b) { return a.name < b.name; });
   return targets;
+}
+
+std::string registeredLinker(const Registry& registry) {
+  return registry.value(BUILD_TOOL, LINKER).value_or("");
+}
+
+std::string detectLinker() {
+  std::set<std::string> prefixes = prefixesOf(kLinkerSuffix);
+  std::erase_if(prefixes, [](const std::string& prefix) { return !isMips(prefix); });
+  if (prefixes.empty()) return "";
+  // The one whose compiler is the target "mips", where there is a choice.
+  const auto preferred = prefixes.find(std::string(kMipsPrefix));
+  return (preferred != prefixes.end() ? *preferred : *prefixes.begin()) + "-";
+}
+
+std::string linkerProgram(const std::string& linker) {
+  if (linker.ends_with('-') || linker.ends_with('/')) return linker + "ld";
+  std::error_code error;
+  return fs::is_directory(linker, error) ? linker + "/ld" : linker;
 }
 
 void enterTarget(Registry& registry, const Target& target) {

@@ -24,6 +24,13 @@ std::vector<Target> registeredTargets(const Registry& registry);
 // further cross compilers by their prefix, in order of the names.
 std::vector<Target> detectTargets();
 
+// The GNU linker that the linker component runs, for all targets alike: a prefix of its tool chain or its
+// path. Empty if the registry has none, or there is none along PATH.
+std::string registeredLinker(const Registry& registry);
+std::string detectLinker();
+// The program that such a text stands for.
+std::string linkerProgram(const std::string& linker);
+
 // Enters the target with the texts that it has; those that it lacks stay as they are.
 void enterTarget(Registry& registry, const Target& target);
 // False if there is none of that name.
