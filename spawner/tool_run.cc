@@ -68,6 +68,7 @@ class ToolRun {
   int startFailure() const noexcept;
   News wait(long milliseconds) noexcept;
   News readSignals() noexcept;
+  bool toolEnded() const noexcept { return tool_ > 0 && reapOthers(tool_); }
   void terminate() noexcept;
   void clear() noexcept;
   int exitCode() const noexcept;
@@ -137,8 +138,11 @@ ToolRun::News ToolRun::wait(long milliseconds) noexcept {
   struct ::pollfd entries[] = {{signals_, POLLIN, 0}, {stopEvent_, POLLIN, 0}};
   if (kernel::poll(entries, stopEvent_ >= 0 ? 2 : 1, milliseconds) <= 0) return News::None;
   if (entries[0].revents) {
-    if (tool_ > 0 && reapOthers(tool_)) return News::ToolEnded;
-    if (readSignals() == News::Stop) return News::Stop;
+    if (toolEnded()) return News::ToolEnded;
+    const News news = readSignals();
+    // Or it has ended since, and what would have told us is just read.
+    if (toolEnded()) return News::ToolEnded;
+    if (news == News::Stop) return News::Stop;
   }
   return entries[1].revents & POLLIN ? News::Stop : News::None;
 }

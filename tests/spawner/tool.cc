@@ -97,6 +97,16 @@ int leaveDaemonBehind(const Arguments& arguments) {
   return std::stoi(arguments.at(0));
 }
 
+// Leaves children without a parent that end when it does.
+int leaveOrphans(const Arguments& arguments) {
+  for (int i = 0; i < 20; ++i) {
+    if (::fork() != 0) continue;
+    if (::fork() != 0) ::_exit(0);
+    ::_exit(0);
+  }
+  return std::stoi(arguments.at(0));
+}
+
 int hangWithDaemon(const Arguments&) {
   leaveDaemon();
   say("ready");
@@ -161,6 +171,7 @@ int main(int count, char** values) {
       {"hang-politely", endPolitely},
       {"hang-with-daemon", hangWithDaemon},
       {"leave-daemon", leaveDaemonBehind},
+      {"leave-orphans", leaveOrphans},
       {"gate", passGate},
       {"host", host},
       {"state", state},

@@ -64,6 +64,10 @@ TEST_P(ToolStopTest, EndsWhatAToolLeavesBehind) {
   }
 }
 
+TEST_P(ToolStopTest, SeesTheToolEndAmongOthersThatEnd) {
+  for (int i = 0; i < 20; ++i) EXPECT_EQ(spawn(tool("leave-orphans 7")), (Result{7, ""}));
+}
+
 TEST_P(ToolStopTest, EndsEverythingWhenTheHostIsKilled) {
   Spawned host({SPAWNER_TOOLS "/tool", "host", SPAWNER, tool("hang-with-daemon")});
   ASSERT_EQ(host.line(), "ready");
