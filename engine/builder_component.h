@@ -59,6 +59,8 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   virtual BString BuildOnceCommand();
   // Whether outputs are whole names for one run, or suffixes for each input.
   virtual bool gathersOnce() = 0;
+  // Whether more may go into the file's outputs than is known, so that their times say nothing.
+  virtual bool dependenciesUnknown(const BString& /*file*/) { return false; }
   // Title and label of the dialog for a new component.
   virtual std::pair<BString, BString> newDialogTexts() const = 0;
 
@@ -111,6 +113,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   MacroMap& macros() { return macros_; }
 
  private:
+  void runTask(e_btr* status);
   void cleanOutputs();
   void gatherOutputsOfEachFile();
   void gatherOutputsOfOneRun();

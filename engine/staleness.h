@@ -10,13 +10,14 @@ namespace forgeyard {
 struct Staleness {
   enum class Why {
     UpToDate,
-    TaskRunsAll,        // rebuild and compile always run
-    SettingsChanged,    // the settings have changed since they last built cleanly
-    NoOutputs,          // nothing to compare with
-    OutputMissing,      // `output`
-    OutputUnreadable,   // `output`, or the marker that stands for it, has no time to compare with
-    DependencyMissing,  // `cause`
-    DependencyNewer,    // `cause` is later than `output`
+    TaskRunsAll,          // rebuild and compile always run
+    SettingsChanged,      // the settings have changed since they last built cleanly
+    NoOutputs,            // nothing to compare with
+    OutputMissing,        // `output`
+    OutputUnreadable,     // `output`, or the marker that stands for it, has no time to compare with
+    DependencyMissing,    // `cause`
+    DependencyNewer,      // `cause` is later than `output`
+    DependenciesUnknown,  // what the tool reads beside the file can't be kept
   };
   Why why = Why::UpToDate;
   BString output;

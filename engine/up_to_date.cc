@@ -52,6 +52,7 @@ Staleness CBuilderComponent::needsBuildBefore() {
 
 Staleness CBuilderComponent::NeedsBuild(const BString& file) {
   if (Staleness reason = needsBuildBefore()) return reason;
+  if (dependenciesUnknown(file)) return {Staleness::Why::DependenciesUnknown, {}, file, 0, 0};
   return isOutOfDate({file}, outputNames(file));
 }
 

@@ -21,10 +21,6 @@ BString compared(const BString& name) {
   return plain ? name : BString::fromNarrow(name.narrow());
 }
 
-bool isPattern(std::u16string_view name) {
-  return name.starts_with(u' ') || name.find_first_of(u"*?;") != std::u16string_view::npos;
-}
-
 // Equal for names that differ in case alone.
 std::uint32_t foldedHash(std::u16string_view name) {
   std::uint64_t hash = 0xCBF29CE484222325u;
@@ -120,7 +116,7 @@ void FileIndex::enter(ISourceFile* file) {
   BString name;
   check(file->get_Name(&name));
   name = compared(name);
-  if (!tellsChanges(file) || isPattern(name)) {
+  if (!tellsChanges(file) || isMatchSpec(name)) {
     asked_.push_back({static_cast<std::uint32_t>(entries_.size()), file, nullptr});
     entries_.push_back({{}, file, 0});
   } else {

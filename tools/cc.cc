@@ -1,9 +1,11 @@
 #include "tools/cc.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
 #include "platform/files/file_system.h"
+#include "platform/paths/shell_path.h"
 #include "platform/registry/registry_keys.h"
 #include "tools/cc_command.h"
 #include "tools/dependency_file.h"
@@ -48,6 +50,24 @@ const TargetToolKind& CCc::kind() const {
 BString CCc::render(ICcSettings& settings, IConfiguration& configuration, const BString& program) {
   const bool reportDependencies = valueOf(configuration, &IConfiguration::get_UpdateFileDependencies) != 0;
   return compilerCommand(settings, program, reportDependencies);
+}
+
+void CCc::DoBuild(e_btr* status) {
+  const Ref<IConfiguration> configuration = activeConfiguration();
+  const auto& inputs = inputFiles().list();
+  someAreMatchSpecs_ =
+      configuration && valueOf(*configuration, &IConfiguration::get_UpdateFileDependencies) != 0 &&
+      std::any_of(inputs.begin(), inputs.end(), [](const BString& name) { return isMatchSpec(name); });
+  Tool::DoBuild(status);
+}
+
+// Dependencies are kept with the source file that the project finds under a name, and its own names count as
+// patterns there: it finds none for some, and one for several.
+bool CCc::dependenciesUnknown(const BString& file) {
+  if (!someAreMatchSpecs_) return false;
+  if (isMatchSpec(file)) return true;
+  const Ref<ISourceFile> source = sourceFile(file);
+  return source && isMatchSpec(valueOf(*source, &ISourceFile::get_Name));
 }
 
 void CCc::ReadDependencyFile(const BString& file) {

@@ -16,12 +16,18 @@ class CCc final : public TargetToolComponent<ICc, CcSettings, CLSID_Cc> {
   std::pair<BString, BString> newDialogTexts() const override;
   const TargetToolKind& kind() const override;
   BString render(ICcSettings& settings, IConfiguration& configuration, const BString& program) override;
+  void DoBuild(e_btr* status) override;
   void fileBuilt(const BString& file) override { ReadDependencyFile(file); }
+  bool dependenciesUnknown(const BString& file) override;
 
  private:
+  using Tool = TargetToolComponent<ICc, CcSettings, CLSID_Cc>;
+
   // Gives the source file the dependencies that the compiler has written beside it, and deletes that list.
   // Where there is none to be read the source file keeps what it has; nothing is said of it.
   void ReadDependencyFile(const BString& file);
+
+  bool someAreMatchSpecs_ = false;  // of the inputs, in a task that keeps dependencies
 };
 
 }  // namespace forgeyard

@@ -104,4 +104,8 @@ bool PathMatchSpecA(std::u16string_view file, std::u16string_view spec) noexcept
   return matchSpec(file, spec);
 }
 
+bool isMatchSpec(std::u16string_view text) noexcept {
+  return text.starts_with(u' ') || text.find_first_of(u"*?;") != std::u16string_view::npos;
+}
+
 }  // namespace forgeyard

@@ -29,6 +29,9 @@ std::optional<std::u16string> PathCanonicalizeA(std::u16string_view path, std::s
 // length.
 bool PathMatchSpecA(std::string_view file, std::string_view spec) noexcept;
 bool PathMatchSpecA(std::u16string_view file, std::u16string_view spec) noexcept;
+// Whether a text that is taken for such a list means anything but itself: it then matches others, or not
+// itself.
+bool isMatchSpec(std::u16string_view text) noexcept;
 
 // False for a path that begins with a backslash or a drive. A slash doesn't make a path absolute here.
 bool PathIsRelativeA(std::string_view path) noexcept;

@@ -8,6 +8,7 @@ namespace forgeyard::console {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 namespace fs = std::filesystem;
 
 class FileCommands : public ConsoleSandbox {
@@ -51,6 +52,26 @@ TEST_F(FileCommands, ProjectReachedThroughALinkShowsTheSameFiles) {
   put("b.c", "");
   must({"-p", project, "file", "add", "b.c"});
   EXPECT_EQ(shown({"file", "list"}), "src\n  a.c\n  b.c\ninc\n");
+}
+
+TEST_F(FileCommands, AddingAgainTakesInWhatIsNewAlone) {
+  for (const char* name : {"a.c", "b.c", "c.c"}) put(name, "");
+  must({"file", "add", "a.c", "b.c"});
+  const Outcome outcome = must({"file", "add", "a.c", "b.c", "c.c", "c.c"});
+  EXPECT_EQ(outcome.errors, "forgeyard: 3 of these files are in the project already.\n");
+  EXPECT_EQ(outcome.output, "src: 1 file added\n");
+  EXPECT_EQ(shown({"file", "list"}), "src\n  a.c\n  b.c\n  c.c\ninc\n");
+}
+
+TEST_F(FileCommands, NamesThatCountAsPatternsStandForThemselvesAlone) {
+  for (const char* name : {"a*.c", "ab.c"}) put(name, "");
+  const Outcome outcome = must({"file", "add", "a*.c", "ab.c"});
+  EXPECT_THAT(outcome.errors, HasSubstr("a*.c: projects take a name with"));
+  EXPECT_THAT(outcome.errors, Not(HasSubstr("ab.c:")));
+  EXPECT_THAT(refused({"file", "remove", "aa.c"}), HasSubstr("aa.c is no file of the project"));
+  EXPECT_THAT(refused({"compile", "aa.c"}), HasSubstr("aa.c is no file of the project"));
+  must({"file", "remove", "ab.c"});
+  EXPECT_EQ(shown({"file", "list"}), "src\n  a*.c\ninc\n");
 }
 
 TEST_F(FileCommands, MissingFilesAreAddedWithAWarning) {

@@ -74,6 +74,18 @@ TEST_F(CcComponentTest, CompilesWhatIsOutOfDateAndReadsTheDependenciesBack) {
   EXPECT_EQ(run(E_TASK_BUILD), expected);
 }
 
+TEST_F(CcComponentTest, BuildsWhatItCannotKeepDependenciesForEachTime) {
+  for (const char* name : {"a;b.c", "ax.c", "b*.c", "bx.c"}) addFile(*folder_, name);
+  run(E_TASK_BUILD);
+  Lines expected{"Component \"Compiler\""};
+  for (const char* name : {"a;b.c", "b*.c", "bx.c"}) append(expected, toolLines(name));
+  append(expected, {"Component \"Compiler\" result: OK", "-----"});
+  EXPECT_EQ(run(E_TASK_BUILD), expected);
+
+  check(configuration()->put_UpdateFileDependencies(0));
+  EXPECT_EQ(run(E_TASK_BUILD), (Lines{"Component \"Compiler\"", "All outputs up to date.", "-----"}));
+}
+
 TEST_F(CcComponentTest, KeepsTheTemplateOfTheLastRunAsItsCommand) {
   addFile(*folder_, "a.c");
   EXPECT_EQ(shown(getProperty(*settings<ICcSettings>(cc_.get()), u"Command")), "");

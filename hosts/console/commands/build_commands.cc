@@ -45,12 +45,13 @@ class FileSelection final : public ComObject<ISelection> {
 
 std::vector<Ref<IUnknown>> filesNamed(IProject& project, const std::vector<std::string>& given) {
   const ProjectPaths paths(project);
+  const std::vector<FolderContents> folders = foldersOf(project);
+  const SourceNames names(folders);
   std::vector<Ref<IUnknown>> files;
   for (const std::string& path : given) {
-    Ref<ISourceFile> file;
-    check(project.FindFileInProject(paths.toProject(path), &file));
-    if (!file) throw unknownFile(path, foldersOf(project), paths);
-    files.emplace_back(file);
+    const ProjectSource* file = names.find(paths.toProject(path));
+    if (!file) throw unknownFile(path, folders, paths);
+    files.emplace_back(file->object);
   }
   return files;
 }

@@ -10,6 +10,7 @@
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/source_files.h"
+#include "platform/paths/shell_path.h"
 
 namespace forgeyard::console {
 
@@ -17,35 +18,54 @@ namespace {
 
 using Kind = Parameter::Kind;
 
+bool isDirectory(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
 void refuseDirectories(const std::vector<std::string>& paths) {
-  for (const std::string& path : paths) {
-    struct stat status {};
-    if (::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
-      throw Failure(path + " is a directory. Name the files in it, for example " + path + "/*.c");
-  }
+  const auto found = std::find_if(paths.begin(), paths.end(), isDirectory);
+  if (found == paths.end()) return;
+  throw Failure(*found + " is a directory. Name the files in it, for example " + *found + "/*.c");
 }
 
 void warnIfMissing(const std::string& path) {
   if (::access(path.c_str(), F_OK) != 0) complain(path + ": there is no such file yet; added all the same.");
 }
 
+void warnOfPattern(const std::string& path, const BString& name) {
+  if (isMatchSpec(name))
+    complain(path +
+             ": projects take a name with ;, * or ? for a pattern, so what this file includes can't be "
+             "kept: it is compiled in every build.");
+}
+
+// A repeated `file add src/*.c`, which is the way to take in what is new, is no reason for a long list.
+void reportKnown(const std::vector<std::string>& paths) {
+  if (paths.empty()) return;
+  const bool one = paths.size() == 1;
+  complain((one ? paths.front() + " is" : std::to_string(paths.size()) + " of these files are") +
+           " in the project already.");
+}
+
 // The names of the files that the project hasn't got yet, each once.
 std::vector<BString> newNames(const std::vector<std::string>& paths, const ProjectPaths& speller,
                               const std::vector<FolderContents>& folders) {
-  std::unordered_set<BString> known;
-  for (const FolderContents& folder : folders) {
-    for (const ProjectSource& file : folder.files) known.insert(file.name);
-  }
+  const SourceNames known(folders);
+  std::unordered_set<BString> taken;
   std::vector<BString> names;
+  std::vector<std::string> knownPaths;
   for (const std::string& path : paths) {
     BString name = speller.toProject(path);
-    if (!known.insert(name).second) {
-      complain(path + " is in the project already.");
+    if (known.contains(name) || !taken.insert(name).second) {
+      knownPaths.push_back(path);
       continue;
     }
     warnIfMissing(path);
+    warnOfPattern(path, name);
     names.push_back(std::move(name));
   }
+  reportKnown(knownPaths);
   return names;
 }
 
@@ -95,29 +115,16 @@ ExitCode listFiles(const Invocation& invocation) {
   return session.finish();
 }
 
-// The name that the project itself has for the file: the wanted one, or one that differs in case alone.
-BString knownName(IProject& project, const BString& wanted, const std::unordered_set<BString>& known) {
-  if (known.contains(wanted)) return wanted;
-  Ref<ISourceFile> file;
-  check(project.FindFileInProject(wanted, &file));
-  BString name;
-  if (file) check(file->get_Name(&name));
-  return name;
-}
-
 // Throws for the first path that is in no folder, so that nothing is removed then.
 std::unordered_set<BString> namesToRemove(IProject& project, const std::vector<std::string>& given,
                                           const std::vector<FolderContents>& folders) {
   const ProjectPaths paths(project);
-  std::unordered_set<BString> known;
-  for (const FolderContents& folder : folders) {
-    for (const ProjectSource& file : folder.files) known.insert(file.name);
-  }
+  const SourceNames known(folders);
   std::unordered_set<BString> names;
   for (const std::string& path : given) {
-    BString name = knownName(project, paths.toProject(path), known);
-    if (name.isNull()) throw unknownFile(path, folders, paths);
-    names.insert(std::move(name));
+    const ProjectSource* file = known.find(paths.toProject(path));
+    if (!file) throw unknownFile(path, folders, paths);
+    names.insert(file->name);
   }
   return names;
 }

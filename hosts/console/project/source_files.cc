@@ -1,7 +1,10 @@
 #include "hosts/console/project/source_files.h"
 
+#include <algorithm>
+
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/project/collections.h"
+#include "platform/text/fold.h"
 
 namespace forgeyard::console {
 
@@ -20,6 +23,19 @@ std::vector<FolderContents> foldersOf(IProject& project) {
     folders.push_back(std::move(contents));
   }
   return folders;
+}
+
+SourceNames::SourceNames(const std::vector<FolderContents>& folders) {
+  for (const FolderContents& folder : folders) {
+    for (const ProjectSource& file : folder.files) byName_.emplace(file.name, &file);
+  }
+}
+
+const ProjectSource* SourceNames::find(const BString& name) const {
+  if (const auto exact = byName_.find(name); exact != byName_.end()) return exact->second;
+  const auto other = std::find_if(byName_.begin(), byName_.end(),
+                                  [&](const auto& entry) { return equalFolded(entry.first, name); });
+  return other == byName_.end() ? nullptr : other->second;
 }
 
 Failure unknownFile(const std::string& path, const std::vector<FolderContents>& folders,

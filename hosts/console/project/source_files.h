@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "hosts/console/base/failure.h"
@@ -24,6 +25,21 @@ struct FolderContents {
 
 // All folders, in the project's order.
 std::vector<FolderContents> foldersOf(IProject& project);
+
+// The files of folders by their names.
+class SourceNames {
+ public:
+  // Borrows the folders.
+  explicit SourceNames(const std::vector<FolderContents>& folders);
+
+  bool contains(const BString& name) const { return byName_.contains(name); }
+  // The file of that name, or else one whose name differs in case alone; null if there is none. Unlike the
+  // project's own look-up this takes no name for a pattern.
+  const ProjectSource* find(const BString& name) const;
+
+ private:
+  std::unordered_map<BString, const ProjectSource*> byName_;
+};
 
 // The Failure for a path that names no file of the project, with the nearest one that does.
 Failure unknownFile(const std::string& path, const std::vector<FolderContents>& folders,
