@@ -1,6 +1,7 @@
 // The build run of CBuildTool: from a command to "Final result".
 
 #include <algorithm>
+#include <system_error>
 
 #include "engine/build_tool.h"
 #include "engine/dependency_times.h"
@@ -88,6 +89,16 @@ void CBuildTool::beginOutput() {
   say(SEPARATOR_LINE);
 }
 
+void CBuildTool::prepareStopEvent() {
+  try {
+    stopEvent_ = NamedEvent::create(STOP_EVENT);
+    stopEvent_->reset();
+  } catch (const std::system_error&) {
+    // The components find the same and say so, each with its result: the run has begun, and ends in order.
+    stopEvent_.reset();
+  }
+}
+
 void CBuildTool::StartBuildRun() {
   if (const Ref<ISourceManager> sources = lookUp<ISourceManager>(site_.get(), SID_SourceManager)) {
     ignore(sources->SaveAll(&saveToken_));
@@ -100,8 +111,7 @@ void CBuildTool::StartBuildRun() {
   completed_ = errors_ = stopped_ = 0;
   building_ = true;
   chained_ = false;
-  stopEvent_ = NamedEvent::create(STOP_EVENT);
-  stopEvent_->reset();
+  prepareStopEvent();
   // Anything may have changed since the last run.
   forgetFileTimes();
   check(input->PreBuild(static_cast<IBuilderOutput*>(this)));

@@ -68,7 +68,10 @@ class CBuildTool final
   const std::vector<Ref<IProject>>& projects() const { return projects_; }
   void addProject(IProject* project);
   void deleteProject(IProject* project);
+  // Without the review: the caller still fills the project.
   Ref<IProject> newProject();
+  // What follows each change of the list: where there are projects one of them is active.
+  void ReviewActiveProject();
 
  private:
   class Services;
@@ -77,6 +80,7 @@ class CBuildTool final
   void StartBuildRun();
   bool buildMayStart();
   void beginOutput();
+  void prepareStopEvent();
   HRESULT answered(std::int32_t& counter);
   void CheckBuildRunDone();
   void EndBuildRun();
@@ -88,7 +92,6 @@ class CBuildTool final
   void stop();
 
   // Projects
-  void ReviewActiveProject();
   void chooseProject(std::uint32_t position);
   void removeActiveProject();
   bool confirmRemoval(IProject& project);

@@ -1,6 +1,7 @@
 #include "engine/builder_component.h"
 
 #include <algorithm>
+#include <system_error>
 
 #include "engine/worker.h"
 #include "platform/files/file_system.h"
@@ -237,17 +238,26 @@ void CBuilderComponent::launch() {
 HRESULT CBuilderComponent::DoTask(e_btr* status) {
   *status = E_BTR_COMPLETED;
   return guard([&] {
-    if (task_ == E_TASK_CLEAN) {
-      cleanOutputs();
-    } else if (inputFiles_.empty()) {
-      if (task_ == E_TASK_COMPILE) return;
-      writeHeader();
-      say(u"No inputs to build.");
-    } else {
-      prepareTimes();
-      DoBuild(status);
+    try {
+      runTask(status);
+    } catch (const std::system_error& error) {
+      // The system is out of what a tool run needs: open files, threads.
+      say(BString::fromNarrow(error.what()));
+      *status = E_BTR_FATAL;
     }
   });
+}
+
+void CBuilderComponent::runTask(e_btr* status) {
+  if (task_ == E_TASK_CLEAN) {
+    cleanOutputs();
+  } else if (!inputFiles_.empty()) {
+    prepareTimes();
+    DoBuild(status);
+  } else if (task_ != E_TASK_COMPILE) {
+    writeHeader();
+    say(u"No inputs to build.");
+  }
 }
 
 void CBuilderComponent::writeHeader() {

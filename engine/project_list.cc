@@ -38,7 +38,10 @@ HRESULT CProjects::Delete(IProject* project) {
 
 HRESULT CProjects::New(Ref<IProject>* out) {
   *out = nullptr;
-  return guard([&] { *out = tool_->newProject(); });
+  return guard([&] {
+    *out = tool_->newProject();
+    tool_->ReviewActiveProject();
+  });
 }
 
 }  // namespace forgeyard

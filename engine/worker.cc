@@ -27,7 +27,9 @@ Outcome takeTurn(const MarshalledRef<IBuilderCreator>& creator, NamedMutex& turn
   const Event never;
   if (waitAny(stop ? static_cast<const Waitable&>(*stop) : never, turn) == 0) return {};
   Outcome outcome{E_BTR_FATAL, 1};
-  ignore(creator.status([&](IBuilderCreator& component) { return component.DoTask(&outcome.status); }));
+  const HRESULT status =
+      creator.status([&](IBuilderCreator& component) { return component.DoTask(&outcome.status); });
+  if (failed(status)) outcome.status = E_BTR_FATAL;
   return outcome;
 }
 
