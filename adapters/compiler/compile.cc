@@ -37,18 +37,22 @@ DependencyPlace placeOf(const CompilerCommand& command, HostSpelling& spelling) 
   return place;
 }
 
-// A directory that can't be written to gets no dependency file; that is no reason to fail.
+// A directory that can't be written to gets no dependency file; that is no reason to fail, but to say so.
 bool isReadOnly(int error) {
   return error == EACCES || error == EPERM || error == EROFS;
 }
 
 // What the driver wrote, in the component's form. Nothing is laid for an empty list file: the driver reads no
 // headers for an assembler source.
-int layDependencyFile(const std::string& list, const std::string& file, const DependencyPlace& place) {
+int layDependencyFile(const std::string& list, const std::string& file, const DependencyPlace& place,
+                      const Diagnostics& diagnostics) {
   const std::optional<std::string> text = readWholeFile(list);
   if (!text || text->empty()) return 0;
   const int error = replaceFile(file, dependencyFileText(readMakeRule(*text), place));
-  return isReadOnly(error) ? 0 : error;
+  if (!isReadOnly(error)) return error;
+  diagnostics.error("warning: cannot write " + file + ": " + errorWords(error) + "; when a file that " +
+                    place.source + " includes changes, nobody will know");
+  return 0;
 }
 
 int report(const ChildResult& result, const Diagnostics& diagnostics) {
@@ -71,7 +75,7 @@ int compileWithDependencies(CompilerCommand command, const std::string& file, Ho
   const ChildResult result = runChild({command.arguments, {}, {}});
   if (StopSignals::received() != 0) return ADAPTER_SIGNAL_BASE + StopSignals::received();
   if (!result.succeeded()) return report(result, diagnostics);
-  const int error = layDependencyFile(list, file, placeOf(command, spelling));
+  const int error = layDependencyFile(list, file, placeOf(command, spelling), diagnostics);
   if (error == 0) return 0;
   // With the object there the source would count as built, with dependencies that nobody knows.
   ::unlink(command.output.c_str());
