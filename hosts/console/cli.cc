@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <functional>
+#include <iostream>
 #include <map>
 
 #include "hosts/console/base/nearest.h"
@@ -204,6 +205,14 @@ std::string wrongCommand(const std::vector<std::string>& arguments) {
   return "There is no command " + given[0] + " " + given[1] + "." + suggestion(given[1], seconds, "commands");
 }
 
+// For help and version, which the parser writes.
+int shown(int exitCode) {
+  std::cout.flush();
+  if (std::cout) return exitCode;
+  complain("Standard output can't be written.");
+  return static_cast<int>(ExitCode::Failure);
+}
+
 int usageError(const std::vector<std::string>& arguments, const CLI::ParseError& error) {
   std::string message = wrongCommand(arguments);
   const bool nothingAsked = words(arguments).empty() && dynamic_cast<const CLI::RequiredError*>(&error);
@@ -235,7 +244,7 @@ int runCommandLine(int argc, char** argv) {
   try {
     line.parse(arguments);
   } catch (const CLI::Success& wish) {
-    return line.report(wish);
+    return shown(line.report(wish));
   } catch (const CLI::ParseError& error) {
     return usageError(arguments, error);
   }

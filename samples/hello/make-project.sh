@@ -14,10 +14,10 @@ fy file add --folder src src/*.c
 fy file add --folder "text tools" "text tools"/*.c "text tools"/*.h
 
 # Two configurations, each with a target and directories of its own; the second begins as a copy of the first.
-fy config set Name=native Target=native OutputDirectory='out\native' IntermediateDirectory='obj\native' \
+fy config set Name=native Target=native OutputDirectory=out/native IntermediateDirectory=obj/native \
   UpdateFileDependencies=yes
 fy config add mips --from native
-fy -c mips config set Target=mips OutputDirectory='out\mips' IntermediateDirectory='obj\mips'
+fy -c mips config set Target=mips OutputDirectory=out/mips IntermediateDirectory=obj/mips
 
 # The folders give their files to the compiler, the compiler gives its objects to the linker.
 fy component add cc compile

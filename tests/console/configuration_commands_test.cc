@@ -21,10 +21,10 @@ class ConfigurationCommands : public ConsoleSandbox {
 
 TEST_F(ConfigurationCommands, ListMarksTheActiveOneAndShowsWhatTheyHold) {
   must({"config", "set", "-c", "Small", "Target=native", "OutputDirectory=out dir",
-        "IntermediateDirectory=obj", "UpdateFileDependencies=no"});
+        "IntermediateDirectory=/o/b\\j", "UpdateFileDependencies=no"});
   EXPECT_EQ(shown({"config", "list"}),
             "* Default  Target=  OutputDirectory=  IntermediateDirectory=  UpdateFileDependencies=1\n"
-            "  Small  Target=native  OutputDirectory=out dir  IntermediateDirectory=obj  "
+            "  Small  Target=native  OutputDirectory=out dir  IntermediateDirectory=\\o\\b\\j  "
             "UpdateFileDependencies=0\n");
 }
 

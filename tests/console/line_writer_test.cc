@@ -107,20 +107,25 @@ TEST(LineWriter, GivesUpAStuckReaderWhenTheUserWantsToStop) {
   EXPECT_EQ(writer.state(), State::Abandoned);
 }
 
-TEST(LineWriter, WaitsForASlowReader) {
+TEST(LineWriter, WaitsForASlowReaderAlsoWhenTheUserWantsToStop) {
   Pipe pipe;
+  Event interrupt;
+  interrupt.set();
   const std::string line(std::size_t{1} << 20, 'x');
   std::string seen;
   std::thread reader([&] { seen = readAll(pipe.readEnd.get()); });
   {
     LineWriter writer(pipe.writeEnd.get());
+    writer.line(line);
+    writer.flush();
+    writer.setInterrupt(&interrupt);
     for (int i = 0; i < 3; ++i) writer.line(line);
     writer.flush();
     EXPECT_EQ(writer.state(), State::Open);
   }
   pipe.writeEnd.reset();
   reader.join();
-  EXPECT_EQ(seen.size(), 3 * (line.size() + 1));
+  EXPECT_EQ(seen.size(), 4 * (line.size() + 1));
 }
 
 TEST(StopSignals, AreTakenOneByOneAndKillNobody) {

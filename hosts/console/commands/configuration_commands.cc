@@ -1,5 +1,7 @@
 // config add, list, use, remove and set.
 
+#include <algorithm>
+
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
@@ -110,6 +112,16 @@ void setTarget(OpenProject& project, IConfiguration& configuration, const std::s
   require(cookies->put_Cookie(BString::fromNarrow(kTarget), BString::fromNarrow(target)), kTarget);
 }
 
+bool isDirectory(std::string_view property) {
+  return equalFoldedAscii(property, "OutputDirectory") || equalFoldedAscii(property, "IntermediateDirectory");
+}
+
+// Also of a relative path, or one with a drive.
+std::string modelSpelling(std::string path) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+  return path;
+}
+
 void setOne(OpenProject& project, IConfiguration& configuration, const Assignment& assignment) {
   if (equalFoldedAscii(assignment.property, kTarget))
     return setTarget(project, configuration, assignment.value);
@@ -121,7 +133,8 @@ void setOne(OpenProject& project, IConfiguration& configuration, const Assignmen
   }
   if (equalFoldedAscii(assignment.property, kName))
     requireFreeName(project.project(), assignment.value, &configuration);
-  writeProperty(configuration, assignment.property, assignment.value);
+  writeProperty(configuration, assignment.property,
+                isDirectory(assignment.property) ? modelSpelling(assignment.value) : assignment.value);
 }
 
 ExitCode setProperties(const Invocation& invocation) {

@@ -39,6 +39,7 @@ std::string described(const std::string& commandLine, const std::string& adapter
 
 std::vector<std::string> namesOf(const std::vector<Target>& targets) {
   std::vector<std::string> names;
+  names.reserve(targets.size());
   for (const Target& target : targets) names.push_back(target.name);
   return names;
 }

@@ -26,6 +26,8 @@ constexpr std::size_t kSafeChunk = 4096;
 // Lines of a tool that writes in spurts leave together; none waits for longer than kLongest.
 constexpr milliseconds kIdle{2};
 constexpr milliseconds kLongest{50};
+// What a reader that is only slow gets to take the rest when the user wants to stop.
+constexpr milliseconds kReaderGrace{500};
 
 bool canBlock(int descriptor) {
   struct stat status {};
@@ -118,6 +120,7 @@ std::chrono::milliseconds LineWriter::dueIn() const {
 
 void LineWriter::flush() {
   std::string_view rest(buffer_.get(), std::exchange(used_, 0));
+  giveUp_ = std::nullopt;
   while (!rest.empty() && state_ == State::Open) {
     if (mayBlock_ && !waitUntilWritable()) return;
     const std::size_t chunk = mayBlock_ ? std::min(rest.size(), kSafeChunk) : rest.size();
@@ -140,10 +143,17 @@ bool LineWriter::waitUntilWritable() {
       if (errno == EINTR) continue;
       return true;  // the write tells what is wrong
     }
-    if (entries[0].revents) return true;
+    if (entries[0].revents || takesMoreInTime(entries[0])) return true;
     drop(State::Abandoned);
     return false;
   }
+}
+
+// The user wants to stop, and nothing can be written at this moment.
+bool LineWriter::takesMoreInTime(pollfd& output) {
+  if (!giveUp_) giveUp_ = Clock::now() + kReaderGrace;
+  const auto left = std::chrono::ceil<milliseconds>(*giveUp_ - Clock::now());
+  return left > milliseconds::zero() && ::poll(&output, 1, static_cast<int>(left.count())) > 0;
 }
 
 void LineWriter::drop(State state, int error) {

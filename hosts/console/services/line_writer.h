@@ -1,8 +1,11 @@
 #pragma once
 
+#include <poll.h>
+
 #include <chrono>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "hosts/console/base/failure.h"
@@ -15,7 +18,7 @@ namespace forgeyard::console {
 //
 // When the descriptor can't be written any more, what is left is dropped, and so is every later line: state()
 // says why. A stuck reader doesn't hold the program up against the user's wish: while `interrupt` is
-// signalled, output that would have to wait is dropped (State::Abandoned).
+// signalled, output that would have to wait for more than half a second is dropped (State::Abandoned).
 class LineWriter {
  public:
   enum class State { Open, Closed, Abandoned, Failed };
@@ -47,6 +50,7 @@ class LineWriter {
   char* reserve(std::size_t bytes);
   void finishLine(char* end);
   bool waitUntilWritable();
+  bool takesMoreInTime(pollfd& output);
   void drop(State state, int error = 0);
 
   int descriptor_;
@@ -58,6 +62,7 @@ class LineWriter {
   Clock::time_point oldest_;  // when the first waiting line came
   Clock::time_point newest_;
   const Waitable* interrupt_ = nullptr;
+  std::optional<Clock::time_point> giveUp_;  // on a reader, in this flush: the user wants to stop
   State state_ = State::Open;
   int error_ = 0;
 };

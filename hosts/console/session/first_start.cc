@@ -20,7 +20,7 @@ constexpr const char* kSpawner = "/TideSpawn.exe";
 
 // The directory of the installation that this program belongs to: the one whose "bin" has the spawner.
 std::string installation() {
-  const std::string above = std::filesystem::path(programDirectory()).parent_path().string();
+  std::string above = std::filesystem::path(programDirectory()).parent_path().string();
   for (const std::string& home : std::array{above, above + "/lib/forgeyard"}) {
     if (isExecutable(home + "/bin" + kSpawner)) return home;
   }
