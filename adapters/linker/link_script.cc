@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "adapters/common/diagnostics.h"
 #include "adapters/common/file_names.h"
@@ -80,6 +81,10 @@ std::string withSlashes(std::string_view text) {
   std::string result(text);
   std::replace(result.begin(), result.end(), '\\', '/');
   return result;
+}
+
+std::string fileIn(const std::string& directory, std::string_view name) {
+  return std::string(directory).append("/").append(name);
 }
 
 std::string at(const ScriptPlace& place) {
@@ -195,7 +200,7 @@ std::string LinkScript::copyScript(const std::string& script, bool nested) {
   rewrite(source);
   noteUnfinished(source);
   reading_.pop_back();
-  const std::string copy = copies_ + "/" + std::to_string(copied_.size()) + ".lk";
+  std::string copy = copies_ + "/" + std::to_string(copied_.size()) + ".lk";
   if (const int error = writeWholeFile(copy, source.copy); error != 0) {
     errno = error;
     return {};
@@ -343,11 +348,11 @@ LinkScript::InputFile LinkScript::inputFile(const std::string& name) {
   const std::string relative = withSlashes(name);
   if (kindOf(relative) != 0) return InputFile(relative);
   for (const std::string& directory : searched_) {
-    if (const std::string file = directory + "/" + relative; kindOf(file) != 0) return {relative, file};
+    if (std::string file = fileIn(directory, relative); kindOf(file) != 0) return {relative, std::move(file)};
   }
   if (const auto found = spelling_.existing(relative)) return InputFile(*found);
   for (const std::string& directory : searched_) {
-    if (const auto found = spelling_.existing(directory + "/" + relative)) return InputFile(*found);
+    if (const auto found = spelling_.existing(fileIn(directory, relative))) return InputFile(*found);
   }
   return {relative, {}};
 }
@@ -357,7 +362,7 @@ std::string LinkScript::findIncluded(const std::string& name) {
   if (const auto found = spelling_.existing(name)) return *found;
   if (isAbsolute(name)) return {};
   for (const std::string& directory : searched_) {
-    if (const auto found = spelling_.existing(directory + "/" + name)) return *found;
+    if (const auto found = spelling_.existing(fileIn(directory, name))) return *found;
   }
   return {};
 }
@@ -384,10 +389,10 @@ std::string LinkScript::namesNothing() const {
 std::string LinkScript::explain(std::string_view linkerLine) const {
   // The linker doesn't know that the file is meant to be a script.
   if (linkerLine.find("treating as linker script") != linkerLine.npos) return {};
-  if (const std::string missing = explainMissing(linkerLine); !missing.empty()) return missing;
+  if (std::string missing = explainMissing(linkerLine); !missing.empty()) return missing;
   if (linkerLine.ends_with(": no input files")) return namesNothing();
   const std::string line = withOriginals(std::string(linkerLine));
-  if (const std::string end = explainEnd(line); !end.empty()) return end;
+  if (std::string end = explainEnd(line); !end.empty()) return end;
   // PROGRAM:SCRIPT:LINE: is the form of a complaint about a script; without the program it can be clicked.
   for (const auto& [original, copy] : copied_) {
     const std::size_t start = line.find(":" + original + ":");
