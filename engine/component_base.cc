@@ -224,9 +224,7 @@ HRESULT CComponentBase::Load(IStorage* storage) {
     keep(storage);
     Ref<IStream> stream;
     if (succeeded(storage->OpenStream(streamName(), STGM_READ | STGM_SHARE_EXCLUSIVE, &stream))) {
-      RecordReader record(stream.get());
-      record.u32();  // version
-      loadRecord(record);
+      loadOwnStream(*stream);
     }
     stream = nullptr;
     loadStreams(*storage);
@@ -234,6 +232,29 @@ HRESULT CComponentBase::Load(IStorage* storage) {
       loadSettings(*stream);
     }
     rememberStored();
+  });
+}
+
+void CComponentBase::loadOwnStream(IStream& stream) {
+  RecordReader record(&stream);
+  record.u32();  // version
+  loadRecord(record);
+}
+
+HRESULT CComponentBase::ReadRecords(IStorage* storage, StoredComponent* out) {
+  return guard([&] {
+    RecordListing listing(out->leftOut);
+    listing.stream(*storage, streamName(), [&](IStream& stream) { loadOwnStream(stream); });
+    listStreams(*storage, listing, *out);
+    listing.stream(*storage, kSettingsStream, [&](IStream& stream) {
+      RecordReader reader(&stream);
+      reader.u32();  // version
+      listing.records(reader, [&] {
+        StoredComponentSettings entry{reader.listedString(), newSettings()};
+        check(entry.settings.as<IPersistStream>()->Load(&stream));
+        out->settings.push_back(std::move(entry));
+      });
+    });
   });
 }
 

@@ -5,6 +5,7 @@
 
 #include "engine/builder_node.h"
 #include "engine/output_tab.h"
+#include "engine/record_listing.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
 #include "platform/storage/persist.h"
@@ -13,6 +14,7 @@
 #include "typelib/configuration.h"
 #include "typelib/host.h"
 #include "typelib/project.h"
+#include "typelib/records.h"
 
 namespace forgeyard {
 
@@ -24,10 +26,11 @@ class CComponentBase : public CBuilderInputOutput,
                        public IPersistStorage,
                        public IProjectE,
                        public IBuilderPrivate,
+                       public IComponentRecords,
                        public OutputTab {
  public:
-  using Implements =
-      TypeList<Dual<IComponent>, IPersistStorage, IProjectE, CBuilderInputOutput, IBuilderPrivate, OutputTab>;
+  using Implements = TypeList<Dual<IComponent>, IPersistStorage, IProjectE, CBuilderInputOutput,
+                              IBuilderPrivate, IComponentRecords, OutputTab>;
 
   // IComponent
   HRESULT SetParent(IDispatch* project, IUnknown* lot) override;
@@ -59,6 +62,9 @@ class CComponentBase : public CBuilderInputOutput,
   HRESULT OnNewConfiguration(IConfiguration* created, IConfiguration* basedOn) override;
   HRESULT OnDeletedConfiguration(IConfiguration* old) override;
 
+  // IComponentRecords
+  HRESULT ReadRecords(IStorage* storage, StoredComponent* out) override;
+
  protected:
   // A new settings object with the class's defaults; it has IPersistStream.
   virtual Ref<IUnknown> newSettings() = 0;
@@ -72,6 +78,8 @@ class CComponentBase : public CBuilderInputOutput,
   // Further streams.
   virtual void loadStreams(IStorage&) {}
   virtual void saveStreams(IStorage&) {}
+  // Their records, for who looks into the file.
+  virtual void listStreams(IStorage&, RecordListing&, StoredComponent&) {}
   // On BeforeSettings and AfterSettings, for state outside the settings objects.
   virtual void snapshot() {}
   virtual void endTransaction(bool /*apply*/) {}
@@ -109,6 +117,7 @@ class CComponentBase : public CBuilderInputOutput,
   void put(IConfiguration* configuration, Ref<IUnknown> settings);
   void keep(IStorage* storage);
   void rememberStored();
+  void loadOwnStream(IStream& stream);
   void loadSettings(IStream& stream);
   void saveSettings(IStream& stream);
 

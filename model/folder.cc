@@ -224,6 +224,19 @@ void CFolder::loadFiles(IStream& stream) {
   filesChanged_ = false;
 }
 
+void CFolder::listStreams(IStorage& storage, RecordListing& listing, StoredComponent& out) {
+  listing.stream(storage, kFilesStream, [&](IStream& stream) {
+    SourceFileReader reader(&stream, nullptr);
+    reader.record.u32();  // version
+    listing.records(reader.record, [&] {
+      const std::uint32_t version = reader.record.peekU32();
+      const auto file = make<CSourceFile>();
+      file->load(reader);
+      out.files.push_back({version, file});
+    });
+  });
+}
+
 void CFolder::saveStreams(IStorage& storage) {
   const Ref<IStream> stream = streamForWriting(storage, kFilesStream);
   RecordWriter record(stream.get());

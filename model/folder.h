@@ -68,6 +68,7 @@ class CFolder final
   void saveRecord(RecordWriter& record) override;
   void loadStreams(IStorage& storage) override;
   void saveStreams(IStorage& storage) override;
+  void listStreams(IStorage& storage, RecordListing& listing, StoredComponent& out) override;
   void closing() override;
   bool contentsDirty() override;
   void contentsSaved() override { filesChanged_ = false; }

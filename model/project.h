@@ -14,6 +14,7 @@
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
 #include "typelib/project.h"
+#include "typelib/records.h"
 
 namespace forgeyard {
 
@@ -24,9 +25,9 @@ namespace forgeyard {
 //
 // `Dirty` says that the contents differ from the file, `BuildDirty` that a build is due; the latter isn't
 // stored.
-class CProject final
-    : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>, IPersistStream,
-                       CBuilderInputOutput, OutputTab, WeakSource, IComponentSite, IProjectReport> {
+class CProject final : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>,
+                                        IPersistStream, CBuilderInputOutput, OutputTab, WeakSource,
+                                        IComponentSite, IProjectReport, IProjectRecords> {
  public:
   CProject();
 
@@ -88,6 +89,9 @@ class CProject final
   const std::vector<LoadOmission>& omissions() const override { return omissions_; }
   HRESULT loadFailure() const override { return loadFailure_; }
   HRESULT saveFailure() const override { return saveFailure_; }
+
+  // IProjectRecords
+  HRESULT ReadRecords(const BString& path, ProjectRecords* out) override;
 
   // For the other classes of the model and for source control.
 

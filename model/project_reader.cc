@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/record_listing.h"
 #include "model/configuration.h"
-#include "model/status_text.h"
 #include "model/stream_names.h"
 #include "platform/com/class_table.h"
 
@@ -12,11 +12,7 @@ namespace forgeyard {
 namespace {
 
 constexpr std::uint32_t kReadStream = STGM_READ | STGM_SHARE_EXCLUSIVE;
-constexpr std::uint32_t kSubStorage = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READWRITE;
-
-std::string quoted(const char* kind, const BString& name) {
-  return std::string(kind) + " \"" + name.narrow() + "\"";
-}
+constexpr std::uint32_t kSubStorage = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE;
 
 }  // namespace
 
@@ -46,7 +42,13 @@ void ProjectReader::readSettings() {
   if (failed(status)) leaveOut(step_, statusText(status));
 }
 
+// What the next save would lose without a word.
+void ProjectReader::leaveOutDamage() {
+  for (const std::string& finding : damageOf(root_)) leaveOut(kDamagedPart, finding);
+}
+
 void ProjectReader::readContents() {
+  leaveOutDamage();
   const HRESULT status = guard([&] {
     readConfigurations();
     readComponents();
@@ -92,7 +94,8 @@ void ProjectReader::readComponents() {
 void ProjectReader::readComponent(const STATSTG& element) {
   step_ = quoted("component", element.name);
   Ref<IStorage> storage;
-  if (const HRESULT status = root_.OpenStorage(element.name, kSubStorage, &storage); failed(status)) {
+  const std::uint32_t mode = kSubStorage | (access_ == Access::ReadWrite ? STGM_READWRITE : STGM_READ);
+  if (const HRESULT status = root_.OpenStorage(element.name, mode, &storage); failed(status)) {
     return leaveOut(step_, statusText(status));
   }
   const Ref<IPersistStorage> persist = createInstance<IPersistStorage>(element.clsid);

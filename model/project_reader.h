@@ -11,8 +11,12 @@ namespace forgeyard {
 // what was read stays, and the omissions say what was left out and why. Lives for one load.
 class ProjectReader {
  public:
-  ProjectReader(CProject& project, IStorage& root, std::vector<LoadOmission>& omissions)
-      : project_(project), root_(root), omissions_(omissions) {}
+  // Components keep their storages, which are opened with these rights.
+  enum class Access { ReadOnly, ReadWrite };
+
+  ProjectReader(CProject& project, IStorage& root, std::vector<LoadOmission>& omissions,
+                Access access = Access::ReadWrite)
+      : project_(project), root_(root), omissions_(omissions), access_(access) {}
 
   void readSettings();
   // Configurations, components, connections.
@@ -26,11 +30,13 @@ class ProjectReader {
   void readComponent(const STATSTG& element);
   void attach(IComponent& component, IPersistStorage& persist, IStorage& storage);
   void readConnections();
+  void leaveOutDamage();
   void leaveOut(std::string what, std::string why);
 
   CProject& project_;
   IStorage& root_;
   std::vector<LoadOmission>& omissions_;
+  Access access_;
   std::string step_;  // what is being read, for the omissions
 };
 

@@ -18,8 +18,8 @@ using Kind = Parameter::Kind;
 
 constexpr const char* kFooter =
     "\nEvery option above may stand before or behind the command.\n"
-    "Exit codes: 0 success; 1 the build ended with errors; 2 wrong usage, or a file that can't be read or\n"
-    "written; 130 stopped.";
+    "Exit codes: 0 success; 1 the build ended with errors, or dump found damage; 2 wrong usage, or a file\n"
+    "that can't be read or written; 130 stopped.";
 constexpr const char* kShortFooter = "\nAlso: -p FILE, -c CONFIGURATION, -y, -q, -v; see forgeyard --help.";
 
 // The parser takes "[a,b]" for a list and "--name=" for an option whose value follows. Neither is meant here.

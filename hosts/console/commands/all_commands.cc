@@ -18,7 +18,7 @@ std::vector<const Command*> allCommands() {
   std::vector<const Command*> all;
   for (const auto& family :
        {projectCommands(), componentCommands(), connectionCommands(), fileCommands(), configurationCommands(),
-        propertyCommands(), targetCommands(), buildCommands()}) {
+        propertyCommands(), targetCommands(), buildCommands(), dumpCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

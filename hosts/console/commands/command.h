@@ -73,5 +73,6 @@ std::span<const Command> configurationCommands();
 std::span<const Command> propertyCommands();
 std::span<const Command> targetCommands();
 std::span<const Command> buildCommands();
+std::span<const Command> dumpCommands();
 
 }  // namespace forgeyard::console

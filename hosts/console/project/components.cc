@@ -25,13 +25,10 @@ constexpr std::array kKinds{
 // What the edit boxes of the module's dialogs hold.
 constexpr std::size_t kLongestName = 260;
 
-const ComponentKind* kindOf(IComponent& component) {
+const ComponentKind* kindOfObject(IComponent& component) {
   const Ref<IPersistStorage> persist = query<IPersistStorage>(&component);
   Guid clsid;
-  if (!persist || failed(persist->GetClassID(&clsid))) return nullptr;
-  const auto found =
-      std::find_if(kKinds.begin(), kKinds.end(), [&](const auto& kind) { return kind.clsid == clsid; });
-  return found == kKinds.end() ? nullptr : &*found;
+  return persist && succeeded(persist->GetClassID(&clsid)) ? kindOf(clsid) : nullptr;
 }
 
 std::optional<std::int32_t> idFrom(std::string_view name) {
@@ -74,12 +71,18 @@ std::span<const ComponentKind> componentKinds() {
   return kKinds;
 }
 
+const ComponentKind* kindOf(const Guid& clsid) {
+  const auto found =
+      std::find_if(kKinds.begin(), kKinds.end(), [&](const auto& kind) { return kind.clsid == clsid; });
+  return found == kKinds.end() ? nullptr : &*found;
+}
+
 std::vector<Component> componentsOf(IProject& project) {
   Ref<IComponents> components;
   check(project.get_Components(&components));
   std::vector<Component> result;
   for (const Ref<IComponent>& object : elementsOf<IComponent>(*components)) {
-    Component component{object, 0, "", kindOf(*object)};
+    Component component{object, 0, "", kindOfObject(*object)};
     BString name;
     check(object->get_ComponentName(&name));
     check(object->get_Id(&component.id));

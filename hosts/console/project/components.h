@@ -20,6 +20,8 @@ struct ComponentKind {
 };
 
 std::span<const ComponentKind> componentKinds();
+// Null for a class that the command line doesn't know.
+const ComponentKind* kindOf(const Guid& clsid);
 inline constexpr std::string_view FOLDER_KIND = "folder";
 
 struct Component {

@@ -58,12 +58,18 @@ std::string programOf(long process) {
 
 }  // namespace
 
-ProjectFile projectFile(const std::string& path) {
+BString ProjectFile::path() const {
+  std::u16string whole(directory.view());
+  PathAddBackslashA(whole);
+  return BString::concat(whole, name);
+}
+
+ProjectFile projectFile(const std::string& path, FileNames names) {
   const ModelPath model = toModel(path);
   if (!model) throw Failure(model.error);
   ProjectFile file;
   file.host = spelledHost(model.path).value_or(path);
-  if (fs::path(file.host).extension() != kExtension) {
+  if (names == FileNames::OfProjects && fs::path(file.host).extension() != kExtension) {
     throw Failure(file.host + ": the name of a project file ends in \"" + kExtension + "\".");
   }
   std::u16string directory(model.path.view());
@@ -75,13 +81,16 @@ ProjectFile projectFile(const std::string& path) {
   return file;
 }
 
-ProjectFile existingProjectFile(const std::string& path) {
+ProjectFile existingProjectFile(const std::string& path, FileNames names) {
   const std::string chosen = path.empty() ? onlyFileHere() : path;
   struct stat status {};
   if (::stat(chosen.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
     throw Failure(chosen + " is a directory. Name the project file in it.");
-  ProjectFile file = projectFile(chosen);
-  if (::stat(file.host.c_str(), &status) == 0) return file;
+  ProjectFile file = projectFile(chosen, names);
+  if (::stat(file.host.c_str(), &status) == 0) {
+    if (!S_ISREG(status.st_mode)) throw Failure(file.host + " is no regular file.");
+    return file;
+  }
   if (errno != ENOENT) throw Failure(openFailure(file, STG_E_ACCESSDENIED));
   const fs::path host(file.host);
   throw Failure("There is no project file " + file.host + "." +

@@ -13,15 +13,21 @@ struct ProjectFile {
   std::string host;   // absolute host path, for messages
   BString directory;  // model path
   BString name;       // without directory
+
+  // The whole model path.
+  BString path() const;
 };
 
+// Whether only names that end in ".nqp" will do.
+enum class FileNames : bool { OfProjects, Any };
+
 // The file of that host path, as typed. Throws a Failure for a path that the model can't spell and for a name
-// that doesn't end in ".nqp". It need not exist.
-ProjectFile projectFile(const std::string& path);
+// that won't do. It need not exist.
+ProjectFile projectFile(const std::string& path, FileNames names = FileNames::OfProjects);
 
 // The file that a command works on: the named one, else the one project file of the current directory. Throws
 // a Failure that says what there is instead.
-ProjectFile existingProjectFile(const std::string& path);
+ProjectFile existingProjectFile(const std::string& path, FileNames names = FileNames::OfProjects);
 
 // "process 4711 (forgeyard)" where the system tells who has the file locked; else empty.
 std::string lockHolder(const std::string& file);

@@ -95,12 +95,16 @@ bool hasWritable(IDispatch& object, const std::string& property) {
   return find(object, property, &Member::put) != nullptr;
 }
 
-std::string readProperty(IDispatch& object, const std::string& property) {
+Variant propertyValue(IDispatch& object, const std::string& property) {
   Variant value;
   require(object.Invoke(identifierOf(object, property), InvokeKind::PropertyGet, {}, &value, nullptr),
           property);
+  return value;
+}
+
+std::string readProperty(IDispatch& object, const std::string& property) {
   BString text;
-  require(value.toText(&text), property);
+  require(propertyValue(object, property).toText(&text), property);
   return text.narrow();
 }
 

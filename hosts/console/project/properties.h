@@ -27,6 +27,7 @@ bool hasReadable(IDispatch& object, const std::string& property);
 bool hasWritable(IDispatch& object, const std::string& property);
 
 // Names in any case. Throw a Failure that says which property and why.
+Variant propertyValue(IDispatch& object, const std::string& property);
 std::string readProperty(IDispatch& object, const std::string& property);
 // Flags also take yes and no, on and off, true and false.
 void writeProperty(IDispatch& object, const std::string& property, const std::string& value);

@@ -1,4 +1,4 @@
-#include "model/status_text.h"
+#include "engine/status_text.h"
 
 #include <array>
 #include <cstdio>

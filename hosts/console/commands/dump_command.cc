@@ -1,0 +1,79 @@
+// dump: what stands in a project file.
+
+#include <filesystem>
+
+#include "hosts/console/base/report.h"
+#include "hosts/console/commands/command.h"
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/project_file.h"
+#include "hosts/console/project/records_json.h"
+#include "hosts/console/session/session.h"
+#include "platform/com/class_table.h"
+#include "typelib/classes.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using Kind = Parameter::Kind;
+
+ProjectRecords recordsOf(const ProjectFile& file) {
+  const Ref<IProjectRecords> reader = createInstance<IProjectRecords>(CLSID_Project);
+  if (!reader) throw Failure("This module can't look into project files.");
+  ProjectRecords records;
+  const HRESULT status = reader->ReadRecords(file.path(), &records);
+  if (failed(status)) throw Failure(openFailure(file, status));
+  return records;
+}
+
+void showTree(LineWriter& out, const std::vector<StoredElement>& elements, const std::string& indent) {
+  constexpr std::size_t kNameWidth = 32;
+  for (const StoredElement& element : elements) {
+    std::string line = indent + element.name.narrow();
+    line.resize(std::max(line.size() + 1, kNameWidth), ' ');
+    if (element.type == StgType::Stream) {
+      out.line(line + "stream   " + std::to_string(element.size) + " bytes");
+      continue;
+    }
+    const ComponentKind* kind = kindOf(element.clsid);
+    out.line(line + "storage  {" + formatGuid(element.clsid) + "}" + (kind ? " " : "") +
+             (kind ? kind->name : ""));
+    showTree(out, element.elements, indent + "  ");
+  }
+}
+
+ExitCode dump(const Invocation& invocation) {
+  const std::string& named = invocation.text("FILE");
+  if (!named.empty() && !invocation.options().project.empty())
+    throw Failure("FILE and -p both name a file; give one of them.");
+  const ProjectFile file =
+      existingProjectFile(named.empty() ? invocation.options().project : named, FileNames::Any);
+  Session session(invocation.options());
+  const ProjectRecords records = recordsOf(file);
+  if (invocation.has("--tree")) {
+    showTree(session.output(), records.elements, "");
+  } else {
+    session.output().line(recordsAsJson(std::filesystem::path(file.host).filename().string(), records));
+  }
+  if (records.leftOut.empty() && records.load.leftOut.empty()) return session.finish();
+  complain(file.host + (records.leftOut.empty()
+                            ? ": a load leaves a part of it out; \"load\" says what and why."
+                            : " is damaged; \"left_out\" says what is missing and why."));
+  return session.finish(ExitCode::BuildErrors);
+}
+
+constexpr std::array kCommands{
+    Command{"dump",
+            "Show all records of a project file as JSON, also of a damaged one; nothing is changed",
+            {{{Kind::OptionalText, "FILE", "", "the file, of any name; left out: that of -p"},
+              {Kind::Flag, "--tree", "", "show the file's streams and storages instead, with their sizes"}}},
+            dump},
+};
+
+}  // namespace
+
+std::span<const Command> dumpCommands() {
+  return kCommands;
+}
+
+}  // namespace forgeyard::console
