@@ -152,6 +152,19 @@ namespace {
 constexpr const char16_t* kStreamName = u"BuildTool";
 constexpr const char16_t* kNoProject = u"<none>";
 constexpr std::uint32_t kOpen = STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
+constexpr std::uint32_t kLook = STGM_READ | STGM_SHARE_EXCLUSIVE;
+
+// Runs one() at the record of each project; gives the name of the active one.
+template <class One>
+BString readProjects(IStream& stream, One&& one) {
+  STATSTG stat;
+  check(stream.Stat(&stat));
+  if (stat.size == 0) return kNoProject;
+  RecordReader reader(&stream);
+  const std::uint32_t version = reader.u32();
+  for (std::uint32_t left = reader.count(sizeof(std::uint32_t)); left > 0; --left) one();
+  return version == 0 ? BString(kNoProject) : reader.listedString();
+}
 
 }  // namespace
 
@@ -176,18 +189,11 @@ HRESULT CBuildTool::Load(IStorage* storage) {
       check(storage->CreateStream(kStreamName, kOpen | STGM_CREATE, &stream));
       return;
     }
-    STATSTG stat;
-    check(stream->Stat(&stat));
-    if (stat.size == 0) return;
-    RecordReader reader(stream.get());
-    const std::uint32_t version = reader.u32();
-    for (std::uint32_t left = reader.count(sizeof(std::uint32_t)); left > 0; --left) {
+    const BString wanted = readProjects(*stream, [&] {
       const Ref<IProject> project = newProject();
       check(project.as<IPersistStream>()->Load(stream.get()));
       ReviewActiveProject();
-    }
-    if (version == 0) return;
-    const BString wanted = reader.listedString();
+    });
     if (wanted == kNoProject) return;
     for (const auto projects = projects_; const Ref<IProject>& project : projects) {
       BString name;
@@ -197,6 +203,26 @@ HRESULT CBuildTool::Load(IStorage* storage) {
         break;
       }
     }
+  });
+}
+
+HRESULT CBuildTool::ReadProjects(IStorage* storage, WorkspaceRecords* out) {
+  return guard([&] {
+    *out = {};
+    Ref<IStream> stream;
+    if (failed(storage->OpenStream(kStreamName, kLook, &stream))) return;
+    const BString wanted = readProjects(*stream, [&] {
+      const auto record = createInstance<IWorkspaceProjectRecord>(CLSID_Project);
+      if (!record) throw StatusError(E_FAIL);
+      check(record->ReadRecord(stream.get(), &out->projects.emplace_back()));
+    });
+    if (out->projects.empty()) return;
+    // As a load does: the first one, unless another one is named.
+    const auto named =
+        std::find_if(out->projects.begin(), out->projects.end(),
+                     [&](const StoredWorkspaceProject& entry) { return entry.name == wanted; });
+    const bool found = wanted != kNoProject && named != out->projects.end();
+    out->active = found ? static_cast<std::size_t>(named - out->projects.begin()) : 0;
   });
 }
 

@@ -13,6 +13,7 @@
 #include "platform/threads/named_event.h"
 #include "typelib/buildtool.h"
 #include "typelib/host.h"
+#include "typelib/records.h"
 
 namespace forgeyard {
 
@@ -22,7 +23,7 @@ namespace forgeyard {
 class CBuildTool final
     : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
                        ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>, ILoadedObject,
-                       IUseCommands, IPersistStorage, IBuildRunResult, WeakSource> {
+                       IUseCommands, IPersistStorage, IBuildRunResult, IWorkspaceRecords, WeakSource> {
  public:
   CBuildTool();
 
@@ -63,6 +64,9 @@ class CBuildTool final
 
   // IBuildRunResult
   HRESULT get_LastResult(e_btr* result) override;
+
+  // IWorkspaceRecords
+  HRESULT ReadProjects(IStorage* storage, WorkspaceRecords* out) override;
 
   // The list behind IProjects.
   const std::vector<Ref<IProject>>& projects() const { return projects_; }

@@ -8,6 +8,7 @@
 #include "model/project.h"
 #include "model/simple_collection.h"
 #include "model/source_file.h"
+#include "model/workspace_object.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {
@@ -19,6 +20,7 @@ std::span<const ClassEntry> modelClasses() {
       ClassEntry{CLSID_SourceFile, "SourceFile", createObject<CSourceFile>},
       ClassEntry{CLSID_Configuration, "Configuration", createObject<CConfiguration>},
       ClassEntry{CLSID_FolderSettings, "FolderSettings", createObject<CFolderSettings>},
+      ClassEntry{CLSID_WorkspaceLO, "WorkspaceLO", createObject<CWorkspaceLO>},
       ClassEntry{CLSID_Connection, "Connection", createObject<CConnection>},
       ClassEntry{CLSID_SimpleCollection, "SimpleCollection", createObject<CSimpleCollection>},
   };

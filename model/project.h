@@ -25,9 +25,10 @@ namespace forgeyard {
 //
 // `Dirty` says that the contents differ from the file, `BuildDirty` that a build is due; the latter isn't
 // stored.
-class CProject final : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>,
-                                        IPersistStream, CBuilderInputOutput, OutputTab, WeakSource,
-                                        IComponentSite, IProjectReport, IProjectRecords> {
+class CProject final
+    : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>, IPersistStream,
+                       CBuilderInputOutput, OutputTab, WeakSource, IComponentSite, IProjectReport,
+                       IProjectRecords, IWorkspaceProjectRecord> {
  public:
   CProject();
 
@@ -92,6 +93,9 @@ class CProject final : public ComObject<Dual<IProject>, ConnectionPoints<IProper
 
   // IProjectRecords
   HRESULT ReadRecords(const BString& path, ProjectRecords* out) override;
+
+  // IWorkspaceProjectRecord
+  HRESULT ReadRecord(IStream* stream, StoredWorkspaceProject* out) override;
 
   // For the other classes of the model and for source control.
 

@@ -22,7 +22,8 @@ class RecordsReader {
       : root_(root), records_(records), listing_(records.leftOut) {}
 
   void read() {
-    for (const std::string& finding : damageOf(root_)) leaveOut(kDamagedPart, finding);
+    for (const std::string& finding : damageOf(root_))
+      records_.elementsLeftOut.push_back({kDamagedPart, finding});
     records_.elements = elementsOf(root_, 1);
     readSettings();
     readConfigurations();
@@ -52,13 +53,9 @@ class RecordsReader {
   std::vector<StoredElement> elementsBelow(IStorage& storage, const BString& name, int level) {
     Ref<IStorage> below;
     const HRESULT status = storage.OpenStorage(name, kReadOnly, &below);
-    if (failed(status)) {
-      leaveOut(quoted("storage", name), statusText(status));
-    } else if (level == kDeepestLevel) {
-      leaveOut("what is below " + quoted("storage", name), "it lies too deep");
-    } else {
-      return elementsOf(*below, level + 1);
-    }
+    if (succeeded(status) && level < kDeepestLevel) return elementsOf(*below, level + 1);
+    records_.elementsLeftOut.push_back({"what is below " + quoted("storage", name),
+                                        failed(status) ? statusText(status) : "it lies too deep"});
     return {};
   }
 

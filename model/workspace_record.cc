@@ -45,6 +45,15 @@ HRESULT CProject::Load(IStream* stream) {
   });
 }
 
+HRESULT CProject::ReadRecord(IStream* stream, StoredWorkspaceProject* out) {
+  return guard([&] {
+    out->loaded = readRecord(*stream);
+    out->name = contents_.settings.name;
+    out->workingDirectory = workingDirectory_;
+    out->fileName = contents_.settings.fileName;
+  });
+}
+
 bool CProject::readRecord(IStream& stream) {
   RecordReader record(&stream);
   const std::uint32_t version = record.u32();

@@ -72,12 +72,13 @@ struct LoadResult {
 
 struct ProjectRecords {
   std::vector<StoredElement> elements;  // of the root, in the order of enumeration
+  std::vector<LoadOmission> elementsLeftOut;
   std::optional<StoredProjectSettings> settings;
   std::vector<StoredObject<IConfiguration>> configurations;
   BString active;  // null when it can't be read
   std::vector<StoredComponent> components;
   std::vector<StoredConnection> connections;
-  std::vector<LoadOmission> leftOut;  // of all this, components included
+  std::vector<LoadOmission> leftOut;  // of the records, those of components included
   LoadResult load;
 };
 
@@ -89,6 +90,37 @@ struct IProjectRecords : IUnknown {
   // The records of the project file at a model path, which isn't changed. Fails where nothing can be read;
   // all other damage is told in `leftOut`.
   virtual HRESULT ReadRecords(const BString& path, ProjectRecords* out) = 0;
+};
+
+// What a workspace keeps of a project.
+struct StoredWorkspaceProject {
+  BString name;
+  BString workingDirectory;
+  BString fileName;
+  bool loaded = true;
+};
+
+struct WorkspaceRecords {
+  std::vector<StoredWorkspaceProject> projects;
+  std::optional<std::size_t> active;  // the position of the active project
+};
+
+// Offered by the build tool.
+struct IWorkspaceRecords : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7038-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  // What the tool's storage in a workspace holds; no project is loaded, and the tool stays as it is.
+  virtual HRESULT ReadProjects(IStorage* storage, WorkspaceRecords* out) = 0;
+};
+
+// Inside the module only, offered by new projects: reads the project's record in a workspace without loading
+// the project.
+struct IWorkspaceProjectRecord : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("5B2D7039-93C4-4E6F-A8D1-2F60C1B49E01");
+
+  virtual HRESULT ReadRecord(IStream* stream, StoredWorkspaceProject* out) = 0;
 };
 
 // Inside the module only, offered by components that are in no project.

@@ -5,6 +5,7 @@
 #include <functional>
 #include <iostream>
 #include <map>
+#include <set>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
@@ -20,7 +21,8 @@ constexpr const char* kFooter =
     "\nEvery option above may stand before or behind the command.\n"
     "Exit codes: 0 success; 1 the build ended with errors, or dump found damage; 2 wrong usage, or a file\n"
     "that can't be read or written; 130 stopped.";
-constexpr const char* kShortFooter = "\nAlso: -p FILE, -c CONFIGURATION, -y, -q, -v; see forgeyard --help.";
+constexpr const char* kShortFooter =
+    "\nAlso: -p FILE, -w FILE, -c CONFIGURATION, -y, -q, -v; see forgeyard --help.";
 
 // The parser takes "[a,b]" for a list and "--name=" for an option whose value follows. Neither is meant here.
 constexpr char kGuard = '\x01';
@@ -97,8 +99,13 @@ CommandLine::CommandLine(Options& options) {
 }
 
 void CommandLine::addGlobalOptions(Options& options) {
-  app_.add_option("-p,--project", options.project,
-                  "The project file; left out: the one of the current directory")
+  app_.add_option(
+          "-p,--project", options.project,
+          "The project file; left out: the one of the current directory, or if there is none the active\n"
+          "project of the workspace")
+      ->type_name("FILE");
+  app_.add_option("-w,--workspace", options.workspace,
+                  "The workspace; left out: your own. Without -p, work on its active project")
       ->type_name("FILE");
   app_.add_option("-c,--config", options.configuration,
                   "The configuration to work on, for this call only; left out: the active one")
@@ -167,10 +174,11 @@ Invocation CommandLine::invocation(const Options& options) const {
 
 // The words that are no options: the command, as far as it can be told from a line that doesn't parse.
 std::vector<std::string> words(const std::vector<std::string>& arguments) {
+  static const std::set<std::string> kWithValue{"-p", "--project", "-w", "--workspace", "-c", "--config"};
   std::vector<std::string> result;
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const std::string& argument = arguments[i];
-    if (argument == "-p" || argument == "--project" || argument == "-c" || argument == "--config") {
+    if (kWithValue.contains(argument)) {
       ++i;
     } else if (!argument.starts_with('-')) {
       result.push_back(argument);
@@ -249,6 +257,7 @@ int runCommandLine(int argc, char** argv) {
     return usageError(arguments, error);
   }
   options.project = unguarded(options.project);
+  options.workspace = unguarded(options.workspace);
   options.configuration = unguarded(options.configuration);
   return static_cast<int>(runGuarded(line.command(), line.invocation(options)));
 }

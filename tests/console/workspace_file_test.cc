@@ -117,11 +117,11 @@ TEST(WorkspaceFile, LiesWhereTheEnvironmentSays) {
   set("HOME", "/home/u");
   set("XDG_DATA_HOME", nullptr);
   set("FORGEYARD_WORKSPACE", nullptr);
-  EXPECT_EQ(WorkspaceFile::defaultFile(), "/home/u/.local/share/forgeyard/workspace");
+  EXPECT_EQ(WorkspaceFile::fileFor(""), "/home/u/.local/share/forgeyard/workspace");
   set("XDG_DATA_HOME", "/data");
-  EXPECT_EQ(WorkspaceFile::defaultFile(), "/data/forgeyard/workspace");
+  EXPECT_EQ(WorkspaceFile::fileFor(""), "/data/forgeyard/workspace");
   set("FORGEYARD_WORKSPACE", "/x/my workspace");
-  EXPECT_EQ(WorkspaceFile::defaultFile(), "/x/my workspace");
+  EXPECT_EQ(WorkspaceFile::fileFor(""), "/x/my workspace");
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ class GoldenProject : public ModelTest, public testing::WithParamInterface<std::
   }
 
   Ref<CProject> loaded() {
-    const Ref<CProject> made = project(u"p.nqp");
+    Ref<CProject> made = project(u"p.nqp");
     EXPECT_EQ(made->ProjectLoad(), S_OK);
     return made;
   }

@@ -23,7 +23,7 @@ std::span<const KnownClass> knownClasses() {
       KnownClass{"Connection", CLSID_Connection, Objects},
       KnownClass{"DataObject", CLSID_DataObject, Nothing},
       KnownClass{"FolderLO", CLSID_FolderLO, NotYet},
-      KnownClass{"WorkspaceLO", CLSID_WorkspaceLO, NotYet},
+      KnownClass{"WorkspaceLO", CLSID_WorkspaceLO, Objects},
       KnownClass{"SourceFileTab", CLSID_SourceFileTab, NotYet},
       KnownClass{"SourceFileTab2", CLSID_SourceFileTab2, NotYet},
       KnownClass{"CmdLine", CLSID_CmdLine, Objects},

@@ -9,6 +9,7 @@ constexpr std::array kGroups{
     CommandGroup{"component", "The components of the project"},
     CommandGroup{"file", "The source files of the project"},
     CommandGroup{"config", "The configurations of the project"},
+    CommandGroup{"workspace", "The projects that this user works on"},
     CommandGroup{"target", "The tool chains that this user's builds can use"},
 };
 
@@ -18,7 +19,7 @@ std::vector<const Command*> allCommands() {
   std::vector<const Command*> all;
   for (const auto& family :
        {projectCommands(), componentCommands(), connectionCommands(), fileCommands(), configurationCommands(),
-        propertyCommands(), targetCommands(), buildCommands(), dumpCommands()}) {
+        propertyCommands(), workspaceCommands(), targetCommands(), buildCommands(), dumpCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

@@ -71,6 +71,7 @@ std::span<const Command> connectionCommands();
 std::span<const Command> fileCommands();
 std::span<const Command> configurationCommands();
 std::span<const Command> propertyCommands();
+std::span<const Command> workspaceCommands();
 std::span<const Command> targetCommands();
 std::span<const Command> buildCommands();
 std::span<const Command> dumpCommands();

@@ -5,9 +5,8 @@
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/components.h"
-#include "hosts/console/project/project_file.h"
 #include "hosts/console/project/records_json.h"
-#include "hosts/console/session/session.h"
+#include "hosts/console/project/workspace.h"
 #include "platform/com/class_table.h"
 #include "typelib/classes.h"
 
@@ -26,7 +25,7 @@ ProjectRecords recordsOf(const ProjectFile& file) {
   return records;
 }
 
-void showTree(LineWriter& out, const std::vector<StoredElement>& elements, const std::string& indent) {
+void showElements(LineWriter& out, const std::vector<StoredElement>& elements, const std::string& indent) {
   constexpr std::size_t kNameWidth = 32;
   for (const StoredElement& element : elements) {
     std::string line = indent + element.name.narrow();
@@ -38,28 +37,39 @@ void showTree(LineWriter& out, const std::vector<StoredElement>& elements, const
     const ComponentKind* kind = kindOf(element.clsid);
     out.line(line + "storage  {" + formatGuid(element.clsid) + "}" + (kind ? " " : "") +
              (kind ? kind->name : ""));
-    showTree(out, element.elements, indent + "  ");
+    showElements(out, element.elements, indent + "  ");
   }
+}
+
+// Of any compound file: what a project has to have is not asked for.
+ExitCode showTree(Session& session, const ProjectFile& file, const ProjectRecords& records) {
+  showElements(session.output(), records.elements, "");
+  for (const LoadOmission& omission : records.elementsLeftOut)
+    complain(file.host + ": " + omission.what + " was left out: " + omission.why + ".");
+  return session.finish(records.elementsLeftOut.empty() ? ExitCode::Success : ExitCode::BuildErrors);
+}
+
+ExitCode showRecords(Session& session, const ProjectFile& file, const ProjectRecords& records) {
+  session.output().line(recordsAsJson(std::filesystem::path(file.host).filename().string(), records));
+  if (!records.leftOut.empty() || !records.elementsLeftOut.empty()) {
+    complain(file.host + " is damaged; \"left_out\" says what is missing and why.");
+  } else if (!records.load.leftOut.empty()) {
+    complain(file.host + ": a load leaves a part of it out; \"load\" says what and why.");
+  } else {
+    return session.finish();
+  }
+  return session.finish(ExitCode::BuildErrors);
 }
 
 ExitCode dump(const Invocation& invocation) {
   const std::string& named = invocation.text("FILE");
   if (!named.empty() && !invocation.options().project.empty())
     throw Failure("FILE and -p both name a file; give one of them.");
-  const ProjectFile file =
-      existingProjectFile(named.empty() ? invocation.options().project : named, FileNames::Any);
   Session session(invocation.options());
+  const ProjectFile file =
+      named.empty() ? chosenProjectFile(session, FileNames::Any) : existingProjectFile(named, FileNames::Any);
   const ProjectRecords records = recordsOf(file);
-  if (invocation.has("--tree")) {
-    showTree(session.output(), records.elements, "");
-  } else {
-    session.output().line(recordsAsJson(std::filesystem::path(file.host).filename().string(), records));
-  }
-  if (records.leftOut.empty() && records.load.leftOut.empty()) return session.finish();
-  complain(file.host + (records.leftOut.empty()
-                            ? ": a load leaves a part of it out; \"load\" says what and why."
-                            : " is damaged; \"left_out\" says what is missing and why."));
-  return session.finish(ExitCode::BuildErrors);
+  return invocation.has("--tree") ? showTree(session, file, records) : showRecords(session, file, records);
 }
 
 constexpr std::array kCommands{

@@ -1,8 +1,9 @@
 #include "hosts/console/project/open_project.h"
 
 #include "hosts/console/base/failure.h"
-#include "hosts/console/base/report.h"
 #include "hosts/console/project/configurations.h"
+#include "hosts/console/project/damage.h"
+#include "hosts/console/project/workspace.h"
 
 namespace forgeyard::console {
 
@@ -14,8 +15,7 @@ OpenProject::OpenProject(Session& session, ProjectFile file) : session_(session)
   check(project_->put_FileName(file_.name));
 }
 
-OpenProject::OpenProject(Session& session)
-    : OpenProject(session, existingProjectFile(session.options().project)) {
+OpenProject::OpenProject(Session& session) : OpenProject(session, chosenProjectFile(session)) {
   load();
   check(session.tool().put_ActiveProject(project_.get()));
 }
@@ -35,20 +35,20 @@ void OpenProject::load() {
     const HRESULT why = report && failed(report->loadFailure()) ? report->loadFailure() : status;
     throw Failure(openFailure(file_, why));
   }
-  reportOmissions();
+  incomplete_ = reportOmissions(*project_, file_);
   // The load has brought back the name that the file had at its last save.
   BString name;
   check(project_->get_FileName(&name));
   if (name != file_.name) check(project_->put_FileName(file_.name));
 }
 
-void OpenProject::reportOmissions() {
-  const Ref<IProjectReport> report = project_.as<IProjectReport>();
-  if (!report) return;
-  for (const LoadOmission& omission : report->omissions()) {
-    complain(file_.host + ": " + omission.what + " was left out: " + omission.why + ".");
-    incomplete_ = true;
-  }
+void OpenProject::insert(Session& session, const ProjectFile& file) {
+  OpenProject project(session, file);
+  project.load();
+  project.save();
+  Ref<IProject> active;
+  check(session.tool().get_ActiveProject(&active));
+  if (!active) check(session.tool().put_ActiveProject(project.project_.get()));
 }
 
 Ref<IConfiguration> OpenProject::configuration() const {
@@ -62,24 +62,18 @@ Ref<IConfiguration> OpenProject::configuration() const {
 }
 
 void OpenProject::requireConsentIfIncomplete(const std::string& question) const {
-  if (!incomplete_) return;
-  MessageAnswer answer = MessageAnswer::No;
-  check(session_.host().frame().ShowMessage(
-      BString::fromNarrow("A part of the file could not be read, see above. " + question), u"Damaged project",
-      MessageButtons::YesNo, MessageIcon::Exclamation, &answer));
-  if (answer != MessageAnswer::Yes) throw Failure(file_.host + " was left as it is.");
+  if (incomplete_) requireConsent(session_, file_, question);
 }
 
 void OpenProject::save() {
-  requireConsentIfIncomplete("Storing the project now loses that part for good. Store it?");
+  requireConsentIfIncomplete(kStoreDamaged);
   HRESULT status = project_->ProjectSave();
   if (const Ref<IProjectReport> report = project_.as<IProjectReport>(); report && succeeded(status))
     status = report->saveFailure();
   std::int32_t dirty = 0;
   check(project_->get_Dirty(&dirty));
   if (succeeded(status) && dirty) status = E_FAIL;
-  if (failed(status))
-    throw Failure(file_.host + " can't be written: " + describe(status) + ". The file stands as it was.");
+  if (failed(status)) throw Failure(saveFailure(file_, status));
   incomplete_ = false;
 }
 

@@ -32,6 +32,10 @@ class OpenProject {
   // all of the file is there.
   void requireConsentIfIncomplete(const std::string& question) const;
 
+  // Into a list of projects that stays: loaded, stored under the name that the file has, and active there
+  // if no other project is. Throws a Failure.
+  static void insert(Session& session, const ProjectFile& file);
+
   // Writes the file. Throws a Failure when it could not be written: then it stands as it was. Asks before a
   // part that could not be read is lost for good.
   void save();
@@ -39,7 +43,6 @@ class OpenProject {
  private:
   OpenProject(Session& session, ProjectFile file);
   void load();
-  void reportOmissions();
 
   Session& session_;
   ProjectFile file_;

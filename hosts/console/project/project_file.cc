@@ -1,17 +1,13 @@
 #include "hosts/console/project/project_file.h"
 
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 
 #include <algorithm>
-#include <array>
-#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <vector>
 
 #include "hosts/console/base/failure.h"
+#include "hosts/console/base/lock_holder.h"
 #include "hosts/console/base/nearest.h"
 #include "platform/paths/shell_path.h"
 
@@ -46,14 +42,6 @@ std::string onlyFileHere() {
   }
   throw Failure("There are several project files in " + here + ": " + enumeration(names) +
                 ". Name one with -p FILE.nqp.");
-}
-
-// The name that /proc has for the process; it may have gone by now.
-std::string programOf(long process) {
-  std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-  std::string name;
-  std::getline(file, name);
-  return name;
 }
 
 }  // namespace
@@ -98,31 +86,16 @@ ProjectFile existingProjectFile(const std::string& path, FileNames names) {
                            "project files in that directory"));
 }
 
-std::string lockHolder(const std::string& file) {
-  struct stat status {};
-  if (::stat(file.c_str(), &status) != 0) return "";
-  std::array<char, 64> wanted{};
-  std::snprintf(wanted.data(), wanted.size(), "%02x:%02x:%lu", ::major(status.st_dev), ::minor(status.st_dev),
-                static_cast<unsigned long>(status.st_ino));
-  std::ifstream locks("/proc/locks");
-  for (std::string line; std::getline(locks, line);) {
-    // "1: FLOCK  ADVISORY  WRITE 4711 08:01:123456 0 EOF"; waiting ones have "->" behind the number.
-    std::istringstream words(line);
-    std::string number, kind, strictness, access, place;
-    long process = 0;
-    if (!(words >> number >> kind >> strictness >> access >> process >> place)) continue;
-    if (place != wanted.data() || process <= 0) continue;
-    const std::string program = programOf(process);
-    return "process " + std::to_string(process) + (program.empty() ? "" : " (" + program + ")");
-  }
-  return "";
+bool isProjectFileHere() {
+  return !projectFilesIn(".").empty();
+}
+
+std::string saveFailure(const ProjectFile& file, HRESULT status) {
+  return file.host + " can't be written: " + describe(status) + ". The file stands as it was.";
 }
 
 std::string openFailure(const ProjectFile& file, HRESULT status) {
-  if (status == STG_E_SHAREVIOLATION) {
-    const std::string holder = lockHolder(file.host);
-    return file.host + " is open in " + (holder.empty() ? "another process" : holder) + ".";
-  }
+  if (status == STG_E_SHAREVIOLATION) return inUse(file.host);
   if (status == STG_E_INVALIDHEADER) return file.host + " is not a project file.";
   return file.host + " can't be opened: " + describe(status) + ".";
 }

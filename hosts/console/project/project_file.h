@@ -29,8 +29,11 @@ ProjectFile projectFile(const std::string& path, FileNames names = FileNames::Of
 // a Failure that says what there is instead.
 ProjectFile existingProjectFile(const std::string& path, FileNames names = FileNames::OfProjects);
 
-// "process 4711 (forgeyard)" where the system tells who has the file locked; else empty.
-std::string lockHolder(const std::string& file);
+// Whether the current directory has any.
+bool isProjectFileHere();
+
+// Why a project file could not be written, as a whole message.
+std::string saveFailure(const ProjectFile& file, HRESULT status);
 
 // Why a project file could not be opened, as a whole message.
 std::string openFailure(const ProjectFile& file, HRESULT status);

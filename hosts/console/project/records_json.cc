@@ -152,7 +152,9 @@ std::string recordsAsJson(const std::string& file, const ProjectRecords& records
   json["components"] = list(records.components, component);
   json["connections"] = list(records.connections, connection);
   json["load"] = load(records.load);
-  if (!records.leftOut.empty()) json["left_out"] = list(records.leftOut, omission);
+  std::vector<LoadOmission> leftOut = records.elementsLeftOut;
+  leftOut.insert(leftOut.end(), records.leftOut.begin(), records.leftOut.end());
+  if (!leftOut.empty()) json["left_out"] = list(leftOut, omission);
   // Names are bytes of any kind; JSON has text alone.
   return json.dump(2, ' ', false, Json::error_handler_t::replace);
 }

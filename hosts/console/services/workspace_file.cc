@@ -4,6 +4,8 @@
 #include <filesystem>
 
 #include "hosts/console/base/failure.h"
+#include "hosts/console/base/lock_holder.h"
+#include "platform/com/enumerators.h"
 #include "platform/files/host_location.h"
 
 namespace forgeyard::console {
@@ -19,21 +21,55 @@ std::string environment(const char* name) {
   return value ? value : "";
 }
 
+constexpr std::uint32_t kLook = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READ;
+
+bool isMissing(HRESULT status) {
+  return status == STG_E_FILENOTFOUND || status == STG_E_PATHNOTFOUND;
+}
+
+BString modelPathOf(const std::string& file) {
+  if (file.empty())
+    throw Failure("There is no place for the workspace: set HOME, XDG_DATA_HOME or FORGEYARD_WORKSPACE.");
+  const ModelPath path = toModel(file);
+  if (!path) throw Failure(path.error);
+  std::error_code error;
+  if (fs::exists(file, error) && !fs::is_regular_file(file, error))
+    throw Failure("The workspace " + file + " is no regular file.");
+  return path.path;
+}
+
+void requireOpened(HRESULT status, const std::string& file) {
+  if (status == STG_E_INVALIDHEADER) throw Failure(file + " is not a workspace.");
+  if (status == STG_E_SHAREVIOLATION) throw Failure("The workspace " + inUse(file));
+  require(status, "The workspace " + file + " can't be opened");
+}
+
+// The root of a workspace has storages alone; that of a project file has not.
+void requireWorkspace(IStorage& root, const std::string& file) {
+  Ref<IEnumSTATSTG> elements;
+  check(root.EnumElements(&elements));
+  forEach(elements, [&](const STATSTG& element) {
+    if (element.type == StgType::Stream) throw Failure(file + " is not a workspace.");
+  });
+}
+
 Ref<IStorage> openOrMake(const BString& path, const std::string& file) {
   Ref<IStorage> root;
   HRESULT status = StgOpenStorage(path, kMode, &root);
-  if (status == STG_E_FILENOTFOUND || status == STG_E_PATHNOTFOUND) {
+  if (isMissing(status)) {
     std::error_code ignored;
     fs::create_directories(fs::path(file).parent_path(), ignored);
     status = StgCreateDocfile(path, kMode | STGM_CREATE, &root);
   }
-  require(status, "The workspace " + file + " can't be opened");
+  requireOpened(status, file);
+  requireWorkspace(*root, file);
   return root;
 }
 
 }  // namespace
 
-std::string WorkspaceFile::defaultFile() {
+std::string WorkspaceFile::fileFor(const std::string& named) {
+  if (!named.empty()) return named;
   if (std::string file = environment("FORGEYARD_WORKSPACE"); !file.empty()) return file;
   if (const std::string data = environment("XDG_DATA_HOME"); !data.empty())
     return data + "/forgeyard/workspace";
@@ -41,13 +77,24 @@ std::string WorkspaceFile::defaultFile() {
   return home.empty() ? "" : home + "/.local/share/forgeyard/workspace";
 }
 
-WorkspaceFile::WorkspaceFile(const std::string& file) : file_(file) {
-  if (file.empty())
-    throw Failure("There is no place for the workspace: set HOME, XDG_DATA_HOME or FORGEYARD_WORKSPACE.");
-  const ModelPath path = toModel(file);
-  if (!path) throw Failure(path.error);
-  root_ = openOrMake(path.path, file);
+Ref<IStorage> WorkspaceFile::openToRead(const std::string& file) {
+  Ref<IStorage> root;
+  const HRESULT status = StgOpenStorage(modelPathOf(file), kLook, &root);
+  if (isMissing(status)) return nullptr;
+  requireOpened(status, file);
+  requireWorkspace(*root, file);
+  return root;
 }
+
+void WorkspaceFile::requireWhole(HRESULT status, const std::string& file) {
+  if (status == E_FAIL || status == STG_E_DOCFILECORRUPT)
+    throw Failure("The workspace " + file +
+                  " is damaged. Move it away and add the projects anew; their files are not in it.");
+  require(status, "The workspace " + file + " can't be read");
+}
+
+WorkspaceFile::WorkspaceFile(const std::string& file)
+    : file_(file), root_(openOrMake(modelPathOf(file), file)) {}
 
 WorkspaceFile::~WorkspaceFile() {
   for (const Attached& attached : attached_) ignore(attached.object->HandsOffStorage());
@@ -56,9 +103,9 @@ WorkspaceFile::~WorkspaceFile() {
 void WorkspaceFile::attach(IPersistStorage* object, const BString& name) {
   Ref<IStorage> storage;
   const bool known = succeeded(root_->OpenStorage(name, kMode, &storage));
-  const std::string what = "The workspace " + file_ + ", " + name.narrow();
-  if (!known) require(root_->CreateStorage(name, kMode, &storage), what);
-  require(known ? object->Load(storage.get()) : object->InitNew(storage.get()), what);
+  if (!known)
+    require(root_->CreateStorage(name, kMode, &storage), "The workspace " + file_ + ", " + name.narrow());
+  requireWhole(known ? object->Load(storage.get()) : object->InitNew(storage.get()), file_);
   attached_.push_back({Ref<IPersistStorage>(object), std::move(storage)});
 }
 

@@ -13,9 +13,14 @@ namespace forgeyard::console {
 // all of it or nothing. Main thread only.
 class WorkspaceFile {
  public:
-  // $FORGEYARD_WORKSPACE, else $XDG_DATA_HOME/forgeyard/workspace, else ~/.local/share/forgeyard/workspace;
-  // empty if the environment names none of them.
-  static std::string defaultFile();
+  // The named file, or else $FORGEYARD_WORKSPACE, else $XDG_DATA_HOME/forgeyard/workspace, else
+  // ~/.local/share/forgeyard/workspace; empty if the environment names none of them.
+  static std::string fileFor(const std::string& named);
+  // To look into: null where there is no file. Throws a Failure that says which file and why.
+  static Ref<IStorage> openToRead(const std::string& file);
+
+  // A Failure if an object could not be read from the workspace.
+  static void requireWhole(HRESULT status, const std::string& file);
 
   // Opens the file of that host path; makes it, with missing directories, where there is none. Throws a
   // Failure that says which file and why.
