@@ -34,7 +34,7 @@ class CommandReader {
 
  private:
   bool readPlainSwitch(std::string_view word) {
-    static constexpr std::array<std::string_view, 4> WITHOUT_COUNTERPART = {"/k", "/l", "/w", "/x"};
+    static constexpr std::array<std::string_view, 3> WITHOUT_COUNTERPART = {"/k", "/l", "/x"};
     for (const std::string_view known : WITHOUT_COUNTERPART) {
       if (word == known) return true;
     }
@@ -42,6 +42,7 @@ class CommandReader {
     if (word == "/g") return command_.keepLocals = true;
     if (word == "/m") return command_.expandMacros = true;
     if (word == "/q") return option("-W");
+    if (word == "/w") return command_.keepEquates = true;
     if (word == "/z" || word == "/zd") return option("-g");
     return false;
   }

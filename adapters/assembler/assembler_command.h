@@ -12,6 +12,7 @@ struct AssemblerCommand {
   std::string program;
   std::vector<std::string> options;  // those of the GNU assembler
   bool keepLocals = false;           // /g
+  bool keepEquates = false;          // /w
   bool keepConditionals = false;     // /c
   bool expandMacros = false;         // /m
   std::string source;

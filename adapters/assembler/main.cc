@@ -8,9 +8,12 @@
 #include <vector>
 
 #include "adapters/assembler/assembler_command.h"
+#include "adapters/assembler/equates.h"
 #include "adapters/common/diagnostics.h"
+#include "adapters/common/temporary.h"
 #include "adapters/common/tool_family.h"
 #include "adapters/common/tool_steps.h"
+#include "adapters/common/whole_file.h"
 
 namespace {
 
@@ -27,22 +30,39 @@ constexpr std::string_view HELP =
     "  /m         the listing shows what macros became\n"
     "  /oX        option X of the assembler itself, with or without its dash\n"
     "  /q         no warnings (-W)\n"
+    "  /w         equates that aren't global stay in the object, with /g\n"
     "  /z, /zd    debug information (-g)\n"
-    "  /k /l /w /x  taken, without a counterpart here\n"
+    "  /k /l /x   taken, without a counterpart here\n"
     "\n"
     "An empty field between commas is a file that isn't wanted. On failure no output stays.\n"
     "\n"
     "Exit code: the assembler's; 128 + n if signal n ended it; 2 wrong usage, 126 not executable, 127 not\n"
     "found.\n";
 
+// What isn't to stay in the object: all local symbols, or the equates among them.
+void dropLocals(const forgeyard::AssemblerCommand& command, forgeyard::ToolSteps& steps,
+                const forgeyard::Diagnostics& diagnostics) {
+  using namespace forgeyard;
+  const std::string objcopy = relatedTool(command.program, "as", "objcopy");
+  if (!command.keepLocals) {
+    steps.run({objcopy, "--discard-all", command.object});
+  } else if (!command.keepEquates) {
+    const TemporaryDirectory temporary(diagnostics.program());
+    const std::string list = temporary.file("symbols");
+    steps.run({{relatedTool(command.program, "as", "nm"), "--format=posix", command.object}, list, {}});
+    if (const int error = writeWholeFile(list, localEquates(readWholeFile(list).value_or(""))); error != 0) {
+      steps.fail("cannot write " + list + ": " + errorWords(error), ADAPTER_FAILED);
+    }
+    steps.run({objcopy, "--strip-symbols=" + list, command.object});
+  }
+}
+
 int assemble(const forgeyard::AssemblerCommand& command, const forgeyard::Diagnostics& diagnostics) {
   using namespace forgeyard;
   ToolSteps steps(diagnostics);
   for (const std::string& file : {command.object, command.symbols, command.listing}) steps.output(file);
   steps.run(assemblerArguments(command));
-  if (!command.keepLocals) {
-    steps.run({relatedTool(command.program, "as", "objcopy"), "--discard-all", command.object});
-  }
+  if (steps.good()) dropLocals(command, steps, diagnostics);
   if (!command.symbols.empty()) {
     steps.run({{relatedTool(command.program, "as", "nm"), "-n", command.object}, command.symbols, {}});
   }

@@ -36,6 +36,31 @@ TEST_F(AssemblerProgramTest, SwitchesReachTheObjectAndTheListing) {
   EXPECT_NE(listing.find(">  nop"), std::string::npos) << "/m: " << listing;
 }
 
+TEST_F(AssemblerProgramTest, EquatesStayWhereTheyAreWanted) {
+  tree_.put("e.s",
+            "  .globl GLOBAL\nGLOBAL = 1\nLOCAL = 2\nlabel:\n  li $2, LOCAL\n  jal outside\n  "
+            "nop\n");
+  const struct {
+    const char* switches;
+    const char* present;
+    const char* absent;
+  } cases[] = {
+      {"/g /w", "GLOBAL LOCAL label", ""}, {"/g", "GLOBAL label", "LOCAL"}, {"/w", "GLOBAL", "LOCAL label"}};
+  for (const auto& [switches, present, absent] : cases) {
+    EXPECT_EQ(
+        run("gnu-as mipsel-linux-gnu-as " + std::string(switches) + R"( ~\e.s,~\out\e.obj,~\out\e.sym)"),
+        (Result{0, ""}));
+    const std::string symbols = tree_.content("out/e.sym");
+    for (const std::string& name : tree_.words(present)) {
+      EXPECT_NE(symbols.find(" " + name + "\n"), std::string::npos) << switches << ": " << name;
+    }
+    for (const std::string& name : tree_.words(absent)) {
+      EXPECT_EQ(symbols.find(" " + name + "\n"), std::string::npos) << switches << ": " << name;
+    }
+  }
+  EXPECT_EQ(joined(tree_.names("tmp")), "");
+}
+
 TEST_F(AssemblerProgramTest, AFailureLeavesNoOutput) {
   for (const char* file : {"out/a.obj", "out/a.sym", "out/a.lst"}) tree_.put(file, "of an older build");
   tree_.put("bad.s", "  nonsense $1\n");

@@ -34,7 +34,7 @@ class ProgramTest : public testing::Test {
 
   // A program for tests that need a tool which does as told.
   std::string putScript(const std::string& name, const std::string& body) {
-    const std::string file = tree_.put(name, "#!/bin/sh\n" + body);
+    std::string file = tree_.put(name, "#!/bin/sh\n" + body);
     std::filesystem::permissions(file, std::filesystem::perms(0755));
     return file;
   }

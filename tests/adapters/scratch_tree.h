@@ -26,7 +26,7 @@ class ScratchTree {
 
   // Makes missing directories; gives the host path.
   std::string put(const std::string& name, const std::string& content = {}) const {
-    const std::string file = scratch_ / name;
+    std::string file = scratch_ / name;
     std::filesystem::create_directories(std::filesystem::path(file).parent_path());
     writeFile(file, content);
     return file;
