@@ -141,7 +141,8 @@ std::vector<std::string> missingPrograms(const std::string& commandLine,
   std::vector<std::string> missing;
   for (const std::string& word : CommandLineToArgvW(commandLine)) {
     const bool adapter = word == kCompilerAdapter || word == kAssemblerAdapter;
-    if (!isExecutable(adapterDirectory + "/" + word) && !findProgram(word)) missing.push_back(word);
+    if (!isExecutable(std::string(adapterDirectory).append("/").append(word)) && !findProgram(word))
+      missing.push_back(word);
     if (!adapter) break;
   }
   return missing;
