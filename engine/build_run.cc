@@ -149,6 +149,7 @@ void CBuildTool::clearBuildDirty() {
 }
 
 void CBuildTool::EndBuildRun() {
+  forgetFileTimes();
   if (active_) say(projectLine());
   const e_btr result = runResult();
   const std::u16string_view text = result == E_BTR_STOPPED ? u"STOPPED"

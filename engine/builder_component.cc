@@ -309,9 +309,11 @@ e_btr CBuilderComponent::runTool(const BString& command) {
     say(u"Error creating command output reader.");
     return E_BTR_FATAL;
   }
-  const e_btr status = runner_.ExecuteCommand(this, command, workingDirectory());
-  forgetFileTimes();
-  return status;
+  // Also when the command's way through the host ends in an exception: the tool may have run.
+  const struct Ended {
+    ~Ended() { fileTimesAfterTool(); }
+  } ended;
+  return runner_.ExecuteCommand(this, command, workingDirectory());
 }
 
 void CBuilderComponent::clearBuildDirty(e_btr status) {

@@ -10,8 +10,6 @@ namespace forgeyard {
 
 namespace {
 
-std::size_t generation = 1;
-
 std::size_t hashOf(const void* buffer) {
   return static_cast<std::size_t>((reinterpret_cast<std::uintptr_t>(buffer) >> 4) * 0x9E3779B97F4A7C15u >>
                                   20);
@@ -26,11 +24,10 @@ FileTimeCache& fileTimes() {
 
 void forgetFileTimes() {
   fileTimes().invalidate();
-  ++generation;
 }
 
-std::size_t fileTimesGeneration() {
-  return generation;
+void fileTimesAfterTool() noexcept {
+  fileTimes().afterTool();
 }
 
 BString resolveDependency(const BString& entry, const BString& workingDirectory) {
@@ -45,27 +42,27 @@ BString resolveDependency(const BString& entry, const BString& workingDirectory)
 DependencyTimes::Slot& DependencyTimes::slot(const BString& entry) {
   const std::size_t mask = slots_.size() - 1;
   std::size_t at = hashOf(entry.identity()) & mask;
-  while (slots_[at].generation != 0 && slots_[at].entry.identity() != entry.identity()) at = (at + 1) & mask;
+  while (slots_[at].stamp.value != 0 && slots_[at].entry.identity() != entry.identity()) at = (at + 1) & mask;
   return slots_[at];
 }
 
 void DependencyTimes::grow() {
   std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(slots_.empty() ? 256 : slots_.size() * 2));
   for (Slot& kept : old) {
-    if (kept.generation != 0) slot(kept.entry) = std::move(kept);
+    if (kept.stamp.value != 0) slot(kept.entry) = std::move(kept);
   }
 }
 
 std::optional<FileTime> DependencyTimes::modified(const BString& entry) {
   if (used_ * 2 >= slots_.size()) grow();
   Slot& found = slot(entry);
-  if (found.generation != generation) {
-    if (found.generation == 0) {
+  FileTimeCache& times = fileTimes();
+  if (!times.isCurrent(found.stamp)) {
+    if (found.stamp.value == 0) {
       ++used_;
       found.entry = entry;
     }
-    found.time = fileTimes().modified(resolveDependency(entry, workingDirectory_));
-    found.generation = generation;
+    found.time = times.modified(resolveDependency(entry, workingDirectory_), found.stamp);
   }
   return found.time;
 }

@@ -10,15 +10,16 @@
 
 namespace forgeyard {
 
-// The file times of a build: each file's is read once between two tool runs. One for the process, since one
-// tool runs at a time; main thread only.
+// The file times of a build: each file's is read again only when a tool may have changed it. One for the
+// process, since one tool runs at a time; main thread only.
 FileTimeCache& fileTimes();
 
-// Drops all that is known, after anything may have changed files.
+// Drops all that is known and stops watching files: before and after a build, and whenever anything else may
+// have changed files.
 void forgetFileTimes();
 
-// Raised by each forgetFileTimes(): what was derived from older times is void.
-std::size_t fileTimesGeneration();
+// Drops what a tool that has just ended may have changed.
+void fileTimesAfterTool() noexcept;
 
 // A dependency entry as the model stores it, resolved to the full path that it means: one that begins with
 // ".\" is relative to the working directory, any other stands as it is.
@@ -39,7 +40,7 @@ class DependencyTimes {
   struct Slot {
     BString entry;  // held, so that its buffer stays the key
     std::optional<FileTime> time;
-    std::size_t generation = 0;
+    FileTimeCache::Stamp stamp;  // a default one: the slot is free
   };
   Slot& slot(const BString& entry);
   void grow();

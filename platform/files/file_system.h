@@ -20,6 +20,8 @@ struct FileStatus {
   bool readable = false;  // this process could open it for reading
   FileTime modified = 0;
   std::uint64_t size = 0;  // in bytes
+  // A regular file with this one name, spelled as the disk has it: neither a link nor linked elsewhere.
+  bool plain = false;
 
   // What decides whether a file is out of date: the write time of a file that could be opened for reading.
   std::optional<FileTime> comparableTime() const {
@@ -59,6 +61,9 @@ class FileSystem {
   // Takes the read-only state away (or puts it on).
   virtual std::error_code setReadOnly(const BString& path, bool readOnly) = 0;
   std::error_code setNormalAttributes(const BString& path) { return setReadOnly(path, false); }
+
+  // Whether a FileChangeWatch tells what changes here.
+  virtual bool isWatchable() const noexcept { return false; }
 
   // The whole contents. std::errc::file_too_large beyond `limit` bytes; `contents` then stays as it was.
   virtual std::error_code readWhole(const BString& path, std::size_t limit, std::string& contents) = 0;

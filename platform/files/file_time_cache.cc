@@ -11,9 +11,10 @@ constexpr std::size_t minimumSlots = 64;
 
 }  // namespace
 
-std::optional<FileTime> FileTimeCache::modified(const BString& path) {
+std::optional<FileTime> FileTimeCache::modified(const BString& path, Stamp& stamp) {
   const Slot& slot = entry(path);
-  return slot.known == Known::Time ? std::optional<FileTime>(slot.time) : std::nullopt;
+  stamp = slot.stamp;
+  return answer(slot);
 }
 
 bool FileTimeCache::exists(const BString& path) {
@@ -21,9 +22,51 @@ bool FileTimeCache::exists(const BString& path) {
 }
 
 void FileTimeCache::invalidate() noexcept {
-  if (++generation_ != 0) return;
-  // After four thousand million tool runs the numbers begin anew, and no slot may look current by chance.
-  for (Slot& slot : slots_) slot.known = Known::Nothing;
+  endWatching();
+  mayWatch_ = true;
+  toolHasRun_ = false;
+}
+
+void FileTimeCache::afterTool() noexcept {
+  toolHasRun_ = true;
+  cells_.front() = ++lastValue_;
+  try {
+    if (watch_) {
+      if (!takeChanges()) endWatching();
+    } else if (mayWatch_ && readAgain_ >= watching_.afterReads && disk().isWatchable()) {
+      beginWatching();
+    }
+  } catch (...) {
+    endWatching();
+  }
+}
+
+// All that is known now was read unwatched and goes; each file is watched from its next reading on.
+void FileTimeCache::beginWatching() {
+  watch_ = FileChangeWatch::begin(watching_.maximumWatches ? watching_.maximumWatches
+                                                           : FileChangeWatch::allowance());
+  mayWatch_ = watch_ != nullptr;
+  watched_ = &disk();
+  ++watchNumber_;
+}
+
+// False: everything may have changed.
+bool FileTimeCache::takeChanges() {
+  const bool told = watched_ == &disk() && watch_->collect(changes_);
+  mayWatch_ = !watch_->exhausted();
+  if (!told) return false;
+  for (const FileChangeWatch::Subject subject : changes_) {
+    if (subject + 1 < cells_.size()) cells_[subject + 1] = ++lastValue_;
+  }
+  return true;
+}
+
+// Voids every stamp: the values of cells that come again are new.
+void FileTimeCache::endWatching() noexcept {
+  watch_.reset();
+  cells_.resize(1);
+  cells_.front() = ++lastValue_;
+  readAgain_ = 0;
 }
 
 void FileTimeCache::forget(const BString& path) noexcept {
@@ -57,9 +100,18 @@ FileTimeCache::Slot* FileTimeCache::find(const BString& path, std::size_t hash) 
 }
 
 void FileTimeCache::read(Slot& slot) {
+  if (toolHasRun_ && slot.known != Known::Nothing) ++readAgain_;
   slot.known = Known::Nothing;
-  slot.generation = generation_;
-  const auto status = (disk_ ? *disk_ : files()).status(slot.path);
+  slot.stamp = {cells_.front(), 0};
+  FileSystem& source = disk();
+  const auto place = watch(slot, source);
+  const Stamp watched = place ? stampOf(place->subject) : Stamp();
+  const auto status = source.status(slot.path);
+  if (place && (status ? place->exists && status->plain : !place->exists)) {
+    slot.stamp = watched;
+  } else if (watch_) {
+    slot.unwatchable = watchNumber_;
+  }
   if (!status) {
     slot.known = Known::Missing;
   } else if (const auto time = status->comparableTime()) {
@@ -70,7 +122,18 @@ void FileTimeCache::read(Slot& slot) {
   }
 }
 
-// Makes room: paths that nobody asked for since invalidate() go.
+std::optional<FileChangeWatch::Place> FileTimeCache::watch(const Slot& slot, const FileSystem& read) {
+  if (!watch_ || watched_ != &read || slot.unwatchable == watchNumber_) return std::nullopt;
+  return watch_->watch(slot.path);
+}
+
+FileTimeCache::Stamp FileTimeCache::stampOf(FileChangeWatch::Subject subject) {
+  const std::uint32_t cell = subject + 1;
+  while (cells_.size() <= cell) cells_.push_back(++lastValue_);
+  return {cells_[cell], cell};
+}
+
+// Makes room: paths whose times are void go.
 void FileTimeCache::rehash() {
   const auto current =
       std::count_if(slots_.begin(), slots_.end(), [this](const Slot& s) { return isCurrent(s); });

@@ -27,11 +27,23 @@ bool isReadable(const struct statx& info, const char* hostPath) {
   return ::faccessat(AT_FDCWD, hostPath, R_OK, AT_EACCESS) == 0;
 }
 
+bool look(const char* hostPath, int flags, struct statx& info) {
+  constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_UID | STATX_MTIME | STATX_SIZE;
+  return ::statx(AT_FDCWD, hostPath, AT_STATX_SYNC_AS_STAT | flags, wanted, &info) == 0;
+}
+
+// A file that is mounted by itself belongs to another directory; a kernel that can't tell counts as a yes.
+bool isPlain(const struct statx& info) {
+  return S_ISREG(info.stx_mode) && info.stx_nlink == 1 &&
+         (info.stx_attributes_mask & STATX_ATTR_MOUNT_ROOT) && !(info.stx_attributes & STATX_ATTR_MOUNT_ROOT);
+}
+
 std::optional<FileStatus> statusAt(const char* hostPath) {
   struct statx info {};
-  constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_UID | STATX_MTIME | STATX_SIZE;
-  if (::statx(AT_FDCWD, hostPath, AT_STATX_SYNC_AS_STAT, wanted, &info) != 0) return std::nullopt;
+  if (!look(hostPath, AT_SYMLINK_NOFOLLOW, info)) return std::nullopt;
   FileStatus status;
+  status.plain = isPlain(info);
+  if (S_ISLNK(info.stx_mode) && !look(hostPath, 0, info)) return std::nullopt;
   status.directory = S_ISDIR(info.stx_mode);
   status.readOnly = !(info.stx_mode & S_IWUSR);
   status.readable = isReadable(info, hostPath);
@@ -71,8 +83,12 @@ class HostFileSystem : public FileSystem {
     if (const auto found = statusAt(spelled.c_str())) return found;
     if (errno != ENOENT && errno != ENOTDIR) return std::nullopt;
     const auto place = existingHost(path);
-    return place ? statusAt(place->c_str()) : std::nullopt;
+    auto found = place ? statusAt(place->c_str()) : std::nullopt;
+    if (found) found->plain = false;
+    return found;
   }
+
+  bool isWatchable() const noexcept override { return true; }
 
   std::error_code createDirectory(const BString& path) override {
     const auto place = toHost(path);

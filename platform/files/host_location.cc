@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <atomic>
 #include <cstdlib>
 #include <filesystem>
 #include <mutex>
@@ -29,6 +30,7 @@ HostPaths pathsOfRegistry() {
 struct Locations {
   std::mutex mutex;
   HostLookup lookup{pathsOfRegistry()};
+  std::atomic<std::size_t> version{0};
 };
 
 // Never destroyed: detached threads may ask while the program ends.
@@ -99,6 +101,11 @@ void reloadDrives() {
   Locations& here = locations();
   const std::lock_guard<std::mutex> lock(here.mutex);
   here.lookup.setPaths(std::move(paths));
+  ++here.version;
+}
+
+std::size_t drivesVersion() noexcept {
+  return locations().version;
 }
 
 }  // namespace forgeyard

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -36,5 +37,7 @@ ModelPath toModel(std::string_view hostPath);
 
 // Reads the table of drives anew, after the registry has changed.
 void reloadDrives();
+// Raised by each reloadDrives(): paths with a drive may lie elsewhere since.
+std::size_t drivesVersion() noexcept;
 
 }  // namespace forgeyard
