@@ -10,6 +10,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -366,19 +367,14 @@ class Bench {
 
 int main(int argc, char** argv) {
   forgeyard::bench::Options options;
-  for (int i = 1; i < argc; ++i) {
-    if (std::strcmp(argv[i], "--quick") == 0) {
-      options.quick = true;
-    } else if (std::strcmp(argv[i], "--rounds") == 0 && i + 1 < argc) {
-      options.rounds = std::max(1, std::atoi(argv[++i]));
-    } else {
-      options.directory = argv[i];
-    }
-  }
-  if (options.directory.empty()) {
-    std::fprintf(stderr, "usage: %s [--quick] [--rounds N] DIRECTORY\n", argv[0]);
-    return 2;
-  }
+  CLI::App app("Measures fixed workloads against other programs in the same run.");
+  app.add_flag("--quick", options.quick, "A tenth of the size, to see that all of it works");
+  app.add_option("--rounds", options.rounds, "How often each is measured")
+      ->check(CLI::Range(1, 1000))
+      ->capture_default_str();
+  app.add_option("DIRECTORY", options.directory, "For the trees; made anew, may be deleted afterwards")
+      ->required();
+  CLI11_PARSE(app, argc, argv);
   try {
     forgeyard::bench::Bench(options).run();
     return 0;

@@ -277,6 +277,9 @@ void CBuilderComponent::cleanOutputs() {
 void CBuilderComponent::prepareTimes() {
   const BString directory = workingDirectory();
   if (times_.workingDirectory() != directory) times_ = DependencyTimes(directory);
+  if (task_ != E_TASK_BUILD) return;
+  times_.prefetch(inputFiles_.list());
+  fileTimes().prefetch(outputFiles_.list());
 }
 
 CBuilderComponent::FileResult CBuilderComponent::BuildFile(const BString& file) {

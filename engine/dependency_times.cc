@@ -67,4 +67,11 @@ std::optional<FileTime> DependencyTimes::modified(const BString& entry) {
   return found.time;
 }
 
+void DependencyTimes::prefetch(const std::vector<BString>& entries) const {
+  std::vector<BString> paths;
+  paths.reserve(entries.size());
+  for (const BString& entry : entries) paths.push_back(resolveDependency(entry, workingDirectory_));
+  fileTimes().prefetch(paths);
+}
+
 }  // namespace forgeyard

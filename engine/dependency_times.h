@@ -35,6 +35,8 @@ class DependencyTimes {
   const BString& workingDirectory() const { return workingDirectory_; }
   // Nothing when the file can't be opened.
   std::optional<FileTime> modified(const BString& entry);
+  // Reads the times of all of these at once.
+  void prefetch(const std::vector<BString>& entries) const;
 
  private:
   struct Slot {

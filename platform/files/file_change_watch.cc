@@ -4,7 +4,6 @@
 #include <linux/fs.h>
 #include <linux/magic.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/ioctl.h>
 #include <sys/statfs.h>
 #include <unistd.h>
@@ -17,6 +16,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/files/blocked_signals.h"
 #include "platform/files/host_location.h"
 #include "platform/files/os_error.h"
 #include "platform/files/spelled_host.h"
@@ -57,20 +57,15 @@ bool hasNoOtherSpelling(const BString& path, std::string_view spelled) {
   return resolved && *resolved == spelled;
 }
 
-// The system takes tens of milliseconds to take watches down, which nobody should have to wait for. The
-// thread leaves signals to the others, since it can't be told from them by whoever sends one.
+// The system takes tens of milliseconds to take watches down, which nobody should have to wait for.
 void closeAside(Descriptor watches) noexcept {
-  sigset_t all;
-  sigset_t before;
-  ::sigfillset(&all);
-  ::pthread_sigmask(SIG_SETMASK, &all, &before);
+  const BlockedSignals blocked;
   try {
     std::thread([fd = watches.get()] { ::close(fd); }).detach();
     watches.release();
   } catch (const std::exception&) {
     // No thread to be had: then it is closed here.
   }
-  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
 }  // namespace

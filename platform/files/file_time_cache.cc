@@ -4,10 +4,14 @@
 #include <bit>
 #include <utility>
 
+#include "platform/files/status_batch.h"
+
 namespace forgeyard {
 namespace {
 
 constexpr std::size_t minimumSlots = 64;
+// Fewer paths are read sooner than threads are started.
+constexpr std::size_t worthABatch = 512;
 
 }  // namespace
 
@@ -41,7 +45,7 @@ void FileTimeCache::afterTool() noexcept {
   }
 }
 
-// All that is known now was read unwatched and goes; each file is watched from its next reading on.
+// All that is known now was read unwatched and goes.
 void FileTimeCache::beginWatching() {
   watch_ = FileChangeWatch::begin(watching_.maximumWatches ? watching_.maximumWatches
                                                            : FileChangeWatch::allowance());
@@ -74,19 +78,37 @@ void FileTimeCache::forget(const BString& path) noexcept {
   if (Slot* slot = find(path, path.hash()); !slot->path.isNull()) slot->known = Known::Nothing;
 }
 
+void FileTimeCache::prefetch(std::span<const BString> paths) {
+  if (watch_ || paths.size() < worthABatch) return;
+  std::vector<BString> asked;
+  for (const BString& path : paths) {
+    if (slots_.empty() || !isCurrent(*find(path, path.hash()))) asked.push_back(path);
+  }
+  const auto statuses = statusBatch(disk(), asked);
+  for (std::size_t i = 0; i < asked.size(); ++i) {
+    Slot& slot = slotFor(asked[i]);
+    slot.stamp = {cells_.front(), 0};
+    store(slot, statuses[i]);
+  }
+}
+
 const FileTimeCache::Slot& FileTimeCache::entry(const BString& path) {
+  Slot& slot = slotFor(path);
+  if (!isCurrent(slot)) read(slot);
+  return slot;
+}
+
+FileTimeCache::Slot& FileTimeCache::slotFor(const BString& path) {
   // At most three quarters full, so that a search ends.
   if (4 * (used_ + 1) > 3 * slots_.size()) rehash();
   const std::size_t hash = path.hash();
   Slot& slot = *find(path, hash);
-  if (isCurrent(slot)) return slot;
   if (slot.path.isNull()) {
     // Null and empty text are one key, and a key is never null.
     slot.path = path.isNull() ? BString(u"") : path;
     slot.hash = hash;
     ++used_;
   }
-  read(slot);
   return slot;
 }
 
@@ -107,11 +129,17 @@ void FileTimeCache::read(Slot& slot) {
   const auto place = watch(slot, source);
   const Stamp watched = place ? stampOf(place->subject) : Stamp();
   const auto status = source.status(slot.path);
-  if (place && (status ? place->exists && status->plain : !place->exists)) {
-    slot.stamp = watched;
-  } else if (watch_) {
-    slot.unwatchable = watchNumber_;
+  if (place) {
+    if (status ? place->exists && status->plain : !place->exists) {
+      slot.stamp = watched;
+    } else {
+      slot.unwatchable = watchNumber_;
+    }
   }
+  store(slot, status);
+}
+
+void FileTimeCache::store(Slot& slot, const std::optional<FileStatus>& status) noexcept {
   if (!status) {
     slot.known = Known::Missing;
   } else if (const auto time = status->comparableTime()) {
@@ -122,9 +150,13 @@ void FileTimeCache::read(Slot& slot) {
   }
 }
 
-std::optional<FileChangeWatch::Place> FileTimeCache::watch(const Slot& slot, const FileSystem& read) {
+std::optional<FileChangeWatch::Place> FileTimeCache::watch(Slot& slot, const FileSystem& read) {
   if (!watch_ || watched_ != &read || slot.unwatchable == watchNumber_) return std::nullopt;
-  return watch_->watch(slot.path);
+  const bool first = std::exchange(slot.readUnder, watchNumber_) != watchNumber_;
+  if (first && watching_.fromSecondReading) return std::nullopt;
+  const auto place = watch_->watch(slot.path);
+  if (!place) slot.unwatchable = watchNumber_;
+  return place;
 }
 
 FileTimeCache::Stamp FileTimeCache::stampOf(FileChangeWatch::Subject subject) {

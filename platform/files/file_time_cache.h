@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "platform/files/file_change_watch.h"
@@ -23,6 +24,8 @@ class FileTimeCache {
   struct Watching {
     std::size_t afterReads = 8192;
     std::size_t maximumWatches = 0;  // 0: FileChangeWatch::allowance()
+    // A file is watched when it is read once more: most files of a build are looked at for one decision only.
+    bool fromSecondReading = true;
   };
   // How long an answer holds; a default one never does.
   struct Stamp {
@@ -43,6 +46,9 @@ class FileTimeCache {
   // Whether anything of that name exists, directories included.
   bool exists(const BString& path);
 
+  // Reads the times that aren't known, side by side: for what is going to be asked for anyway.
+  void prefetch(std::span<const BString> paths);
+
   // Drops all times and ends watching: before and after a build.
   void invalidate() noexcept;
   // Drops the times that a tool which has just ended may have changed: all that aren't watched.
@@ -57,7 +63,9 @@ class FileTimeCache {
     std::size_t hash = 0;
     FileTime time = 0;
     Stamp stamp;
-    std::uint32_t unwatchable = 0;  // the watch, by number, under which changes of it would go unseen
+    // Watches, by number: under which it was read, and under which changes of it would go unseen.
+    std::uint32_t readUnder = 0;
+    std::uint32_t unwatchable = 0;
     Known known = Known::Nothing;
   };
 
@@ -69,14 +77,16 @@ class FileTimeCache {
   }
   FileSystem& disk() const { return disk_ ? *disk_ : files(); }
   const Slot& entry(const BString& path);
+  Slot& slotFor(const BString& path);
   Slot* find(const BString& path, std::size_t hash) noexcept;
   void read(Slot& slot);
+  static void store(Slot& slot, const std::optional<FileStatus>& status) noexcept;
   void rehash();
   void beginWatching();
   void endWatching() noexcept;
   bool takeChanges();
-  // Nothing if the path can't be watched.
-  std::optional<FileChangeWatch::Place> watch(const Slot& slot, const FileSystem& read);
+  // Nothing if the path can't be watched, or need not be yet.
+  std::optional<FileChangeWatch::Place> watch(Slot& slot, const FileSystem& read);
   Stamp stampOf(FileChangeWatch::Subject subject);
 
   FileSystem* disk_;

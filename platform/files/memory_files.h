@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <string>
 #include <string_view>
@@ -11,7 +12,7 @@ namespace forgeyard {
 
 // A disk in memory with a clock turned by hand, for tests: put(u"\\p\\a.o"); tick(); put(u"\\p\\a.c").
 // Ignores case. Directories above a file that is put stand by themselves; all
-// others have to be created. For one thread.
+// others have to be created. One thread changes it; status() may be asked by several.
 class MemoryFileSystem : public FileSystem {
  public:
   MemoryFileSystem();
@@ -54,7 +55,7 @@ class MemoryFileSystem : public FileSystem {
   FileTime now_ = 1'000'000'000;
   std::vector<BString> deleted_;
   std::vector<BString> created_;
-  std::size_t statusCalls_ = 0;
+  std::atomic<std::size_t> statusCalls_ = 0;
 };
 
 }  // namespace forgeyard

@@ -1,10 +1,11 @@
 #include "platform/threads/thread.h"
 
 #include <pthread.h>
-#include <signal.h>
 
 #include <condition_variable>
 #include <mutex>
+
+#include "platform/files/blocked_signals.h"
 
 namespace forgeyard {
 
@@ -44,25 +45,6 @@ Running& threadCounter() {
   static Running& counter = *new Running;
   return counter;
 }
-
-// A thread starts with signals blocked, so that they go to the host's own threads; those of its own faults
-// excepted.
-class BlockedSignals {
- public:
-  BlockedSignals() {
-    sigset_t blocked;
-    sigfillset(&blocked);
-    for (const int fault : {SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGABRT, SIGTRAP, SIGSYS})
-      sigdelset(&blocked, fault);
-    pthread_sigmask(SIG_SETMASK, &blocked, &previous_);
-  }
-  ~BlockedSignals() { pthread_sigmask(SIG_SETMASK, &previous_, nullptr); }
-  BlockedSignals(const BlockedSignals&) = delete;
-  BlockedSignals& operator=(const BlockedSignals&) = delete;
-
- private:
-  sigset_t previous_;
-};
 
 void runBody(const std::string& name, std::function<void()>& body) noexcept {
   pthread_setname_np(pthread_self(), name.substr(0, 15).c_str());

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 #include "platform/files/memory_files.h"
 
@@ -94,6 +95,23 @@ TEST(FileTimeCacheDefault, ReadsThroughTheProcessesDisk) {
   FileTimeCache cache;
   const ScopedFileSystem scoped(disk);
   EXPECT_EQ(cache.modified(u"\\p\\a.c"), disk.now());
+}
+
+TEST_F(FileTimeCacheTest, PrefetchAsksForEachUnknownPathOnce) {
+  std::vector<BString> paths;
+  for (int i = 0; i < 3000; ++i) {
+    paths.push_back(BString::fromNarrow("\\p\\" + std::to_string(i) + ".c"));
+    if (i % 3 != 0) disk_.put(paths.back());
+    if (i % 100 == 0) disk_.tick();
+  }
+  cache_.modified(paths[5]);
+  cache_.prefetch(paths);
+  EXPECT_EQ(disk_.statusCalls(), paths.size());
+  for (const BString& path : paths) EXPECT_EQ(cache_.modified(path), disk_.modified(path)) << path.narrow();
+  EXPECT_EQ(disk_.statusCalls(), 2 * paths.size()) << "half of them by this test";
+  cache_.afterTool();
+  cache_.modified(paths[5]);
+  EXPECT_EQ(disk_.statusCalls(), 2 * paths.size() + 1);
 }
 
 }  // namespace
