@@ -63,11 +63,11 @@ int report(const ChildResult& result, const Diagnostics& diagnostics) {
 int compileWithDependencies(CompilerCommand command, const std::string& file, HostSpelling& spelling,
                             const Diagnostics& diagnostics) {
   const StopSignals signals;
-  const TemporaryDirectory temporary(diagnostics.program());
+  std::optional<TemporaryFile> temporary;
   ::unlink(file.c_str());
   std::string list = command.dependencyOutput;
   if (list.empty()) {
-    list = temporary.file("list.d");
+    list = temporary.emplace(diagnostics.program()).path();
     command.arguments.insert(command.arguments.end(), {"-MF", list});
   }
   if (!command.namesTarget) command.arguments.insert(command.arguments.end(), {"-MT", "x"});
