@@ -73,6 +73,30 @@ bool blockIsAscii(const char16_t* block) {
   return ((words[0] | words[1]) & 0xFF80FF80FF80FF80u) == 0;
 }
 
+// How many characters there are before the first that is not ASCII.
+std::size_t asciiLength(std::string_view text) {
+  std::size_t at = 0;
+  while (text.size() - at >= BLOCK && blockIsAscii(text.data() + at)) at += BLOCK;
+  while (at < text.size() && byteAt(text, at) < 0x80) ++at;
+  return at;
+}
+
+// Blocks of a fixed size compile to a few vector instructions; the last one may overlap the one before.
+void widenAscii(const char* text, std::size_t size, char16_t* out) {
+  constexpr std::size_t WIDE_BLOCK = 16;
+  const auto widenBlock = [&](std::size_t at) {
+    char16_t wide[WIDE_BLOCK];
+    for (std::size_t i = 0; i < WIDE_BLOCK; ++i) wide[i] = static_cast<unsigned char>(text[at + i]);
+    std::memcpy(out + at, wide, sizeof wide);
+  };
+  if (size < WIDE_BLOCK) {
+    for (std::size_t i = 0; i < size; ++i) out[i] = static_cast<unsigned char>(text[i]);
+    return;
+  }
+  for (std::size_t at = 0; at + WIDE_BLOCK < size; at += WIDE_BLOCK) widenBlock(at);
+  widenBlock(size - WIDE_BLOCK);
+}
+
 class WideCounter {
  public:
   void block(const char*) { length_ += BLOCK; }
@@ -218,14 +242,17 @@ DecodedCharacter decodeCharacter(std::u16string_view text, std::size_t at) noexc
 }
 
 std::size_t wideLength(std::string_view narrow) noexcept {
+  const std::size_t ascii = asciiLength(narrow);
   WideCounter counter;
-  widen(narrow, counter);
-  return counter.length();
+  widen(narrow.substr(ascii), counter);
+  return ascii + counter.length();
 }
 
 void widenInto(std::string_view narrow, char16_t* out) noexcept {
-  WideWriter writer(out);
-  widen(narrow, writer);
+  const std::size_t ascii = asciiLength(narrow);
+  widenAscii(narrow.data(), ascii, out);
+  WideWriter writer(out + ascii);
+  widen(narrow.substr(ascii), writer);
 }
 
 std::u16string wideFromNarrow(std::string_view narrow) {
