@@ -185,6 +185,10 @@ bool LinkScript::read(const std::string& script) {
 // The name of the copy; empty, with errno set, if the script can't be read.
 std::string LinkScript::copyScript(const std::string& script, bool nested) {
   if (const auto known = copied_.find(script); known != copied_.end()) return known->second;
+  if (const mode_t kind = kindOf(script); kind != 0 && kind != S_IFREG) {
+    errno = kind == S_IFDIR ? EISDIR : EINVAL;  // a device may have no end
+    return {};
+  }
   std::optional<std::string> text = readWholeFile(script);
   if (!text) return {};
   if (text->find('\0') != text->npos) {
