@@ -32,10 +32,5 @@ inline std::vector<std::u16string_view> SplitList(std::u16string_view list) {
   forEachInList(list, [&](std::u16string_view piece) { pieces.push_back(piece); });
   return pieces;
 }
-inline std::vector<std::string_view> SplitList(std::string_view list) {
-  std::vector<std::string_view> pieces;
-  forEachInList(list, [&](std::string_view piece) { pieces.push_back(piece); });
-  return pieces;
-}
 
 }  // namespace forgeyard

@@ -45,35 +45,6 @@ TEST_F(Enumerators, SkipNoFurtherThanTheEnd) {
   EXPECT_EQ(taken(walk.get(), 1, S_FALSE), "");
 }
 
-TEST_F(Enumerators, TakeNullForTheCount) {
-  BString out;
-  EXPECT_EQ(letters(1)->Next(1, &out, nullptr), S_OK);
-  EXPECT_EQ(out, u"a");
-}
-
-TEST_F(Enumerators, OverOneListWalkEachForItself) {
-  const auto list = std::make_shared<const Strings::List>(Strings::List{u"a", u"b"});
-  const Ref<IEnumString> one = make<Strings>(list);
-  const Ref<IEnumString> other = make<Strings>(list);
-  EXPECT_EQ(taken(one.get(), 2, S_OK), "ab");
-  EXPECT_EQ(taken(other.get(), 1, S_OK), "a");
-}
-
-class Item final : public ComObject<IUnknown> {};
-
-TEST_F(Enumerators, HoldTheirObjectsAndGiveReferencesOfTheCallers) {
-  auto item = make<Item>();
-  Ref<IUnknown> out;
-  {
-    const Ref<IEnumUnknown> walk =
-        make<ListEnumerator<IEnumUnknown>>(std::vector<Ref<IUnknown>>{Ref<IUnknown>(item)});
-    EXPECT_EQ(referencesTo(item.get()), 2u);
-    EXPECT_EQ(walk->Next(1, &out, nullptr), S_OK);
-    EXPECT_EQ(referencesTo(item.get()), 3u);
-  }
-  EXPECT_EQ(referencesTo(item.get()), 2u);
-}
-
 TEST_F(Enumerators, AreWalkedWholeOnBothSidesOfABatch) {
   for (const std::size_t count : {0u, 1u, 31u, 32u, 33u, 64u, 65u, 1000u}) {
     std::size_t seen = 0;
@@ -83,18 +54,6 @@ TEST_F(Enumerators, AreWalkedWholeOnBothSidesOfABatch) {
     });
     EXPECT_EQ(seen, count);
   }
-}
-
-TEST_F(Enumerators, AreWalkedFromWhereTheyStand) {
-  const auto walk = letters(4);
-  EXPECT_EQ(walk->Skip(3), S_OK);
-  std::size_t seen = 0;
-  forEach(walk, [&](const BString&) { ++seen; });
-  EXPECT_EQ(seen, 1u);
-}
-
-TEST_F(Enumerators, ThatAreNullHaveNothing) {
-  forEach(Ref<IEnumString>(), [](const BString&) { FAIL(); });
 }
 
 // Foreign enumerators: one that fails, one that never says that it is at its end.

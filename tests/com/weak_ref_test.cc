@@ -88,12 +88,5 @@ TEST_F(WeakRefs, ToNothingOrToAnObjectThatOffersNoneReadNull) {
   EXPECT_FALSE(WeakRef<INamed>().lock());
 }
 
-TEST_F(WeakRefs, ReadNullAfterReset) {
-  const auto target = make<Parent>();
-  WeakRef<INamed> weak(static_cast<INamed*>(target.get()));
-  weak.reset();
-  EXPECT_FALSE(weak.lock());
-}
-
 }  // namespace
 }  // namespace forgeyard

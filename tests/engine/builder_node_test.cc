@@ -13,7 +13,7 @@ namespace {
 // A node of a graph under test: records what happens to it, and answers when told to.
 class Node final : public ComObject<CBuilderInputOutput> {
  public:
-  enum class Answers { AtOnce, WhenTold };
+  enum class Answers { AtOnce, WhenTold, CannotStart };
 
   Node(std::string name, std::vector<std::string>& log, Answers answers = Answers::AtOnce)
       : name_(std::move(name)), log_(log), answers_(answers) {}
@@ -28,6 +28,7 @@ class Node final : public ComObject<CBuilderInputOutput> {
   void OnTaskEnded() override { log_.push_back(name_ + " acted"); }
   void StartTask() override {
     log_.push_back(name_ + " starts");
+    if (answers_ == Answers::CannotStart) throw StatusError(E_FAIL);
     if (answers_ == Answers::AtOnce) check(BuildResult(E_BTR_COMPLETED, 0));
   }
   void ReportResult(e_btr status) override { log_.push_back(name_ + " reports " + std::to_string(status)); }
@@ -105,6 +106,27 @@ TEST_F(BuilderNode, SourceThatAnswersInsideTheWalkReleasesItsSinkOnce) {
   graph("f>c g>c");
   build(node("c"));
   EXPECT_EQ(std::count(log_.begin(), log_.end(), "c starts"), 1);
+}
+
+TEST_F(BuilderNode, TaskThatCannotStartIsAnErrorAndWedgesNothing) {
+  node("f", Node::Answers::AtOnce);
+  node("x", Node::Answers::CannotStart);
+  graph("f>x f>c x>p c>p");
+  for (int round = 0; round < 2; ++round) {
+    check(node("p").PreBuild(static_cast<IBuilderOutput*>(tool_.get())));
+    EXPECT_EQ(node("p").Build(), E_FAIL);
+    node("c").finish(E_BTR_COMPLETED);
+    EXPECT_EQ(tool_->answers, Log{"Error"});
+    EXPECT_EQ(std::count(log_.begin(), log_.end(), "p starts"), 0);
+    tool_->answers.clear();
+  }
+  // Without a caller in the walk: the answer to the source, which a worker gives, fails.
+  graph("a>x");
+  check(node("p").PreBuild(static_cast<IBuilderOutput*>(tool_.get())));
+  EXPECT_EQ(node("p").Build(), S_OK);
+  node("c").finish(E_BTR_COMPLETED);
+  EXPECT_EQ(node("a").BuildResult(E_BTR_COMPLETED, 1), E_FAIL);
+  EXPECT_EQ(tool_->answers, Log{"Error"});
 }
 
 TEST_F(BuilderNode, DiamondResetsItsHeadOnceAndWaitsForBothBranches) {

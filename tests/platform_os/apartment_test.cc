@@ -48,10 +48,6 @@ TEST_F(ApartmentTest, CallRunsOnTheOwnersThreadAndGivesItsResult) {
   EXPECT_EQ(result, "answer");
 }
 
-TEST_F(ApartmentTest, OwnersOwnCallRunsAtOnce) {
-  EXPECT_EQ(scope_->call([] { return 7; }), 7);
-}
-
 TEST_F(ApartmentTest, ExceptionsComeBackToTheCaller) {
   std::string text;
   HRESULT status = S_OK;
@@ -144,20 +140,6 @@ TEST_F(ApartmentTest, InnerWaitServesWhatStoodBehindItsOwnCall) {
   EXPECT_THAT(log, ElementsAre(2, 3, 1));
 }
 
-TEST_F(ApartmentTest, DeeplyNestedWaitsEndFromTheInside) {
-  constexpr std::size_t depth = 50;
-  std::vector<Event> events(depth + 1);
-  std::function<void(std::size_t)> descend = [&](std::size_t level) {
-    if (level < depth) {
-      scope_->post([&, level] { descend(level + 1); });
-      scope_->waitPumping({&events[level + 1]});
-    }
-    events[level].set();
-  };
-  scope_->post([&] { descend(0); });
-  EXPECT_EQ(scope_->waitPumping({&events[0]}), 0u);
-}
-
 TEST_F(ApartmentTest, FloodOfCallsDoesNotHideAHandle) {
   Event stop;
   int rounds = 0;
@@ -210,10 +192,6 @@ TEST_F(ApartmentTest, OtherThreadsMayNotWaitInIt) {
   });
   EXPECT_EQ(wait, RPC_E_WRONG_THREAD);
   EXPECT_EQ(pump, RPC_E_WRONG_THREAD);
-}
-
-TEST_F(ApartmentTest, WaitForNothingIsRefused) {
-  EXPECT_EQ(statusOf([&] { return scope_->waitPumping(Waitables()); }), E_INVALIDARG);
 }
 
 TEST_F(ApartmentTest, FurtherScopeOnTheThreadSharesTheApartment) {

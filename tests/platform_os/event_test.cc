@@ -25,18 +25,6 @@ TEST(Event, StaysSetUntilItIsReset) {
   EXPECT_FALSE(event.isSet());
 }
 
-TEST(Event, WakesAThreadThatWaits) {
-  Event event;
-  Event answer;
-  std::thread waiter([&] {
-    waitAny({&event});
-    answer.set();
-  });
-  event.set();
-  EXPECT_EQ(waitAny({&answer}), 0u);
-  waiter.join();
-}
-
 TEST(WaitAny, LowestSignalledIndexWins) {
   Event first;
   Event second;

@@ -217,29 +217,5 @@ TEST_P(FileSystemTest, ReadWholeKeepsItsLimit) {
   EXPECT_EQ(files_.readWhole(at("missing"), 5, text), std::errc::no_such_file_or_directory);
 }
 
-TEST(MemoryFileSystem, RecordsWhatWasTouchedByAClockTurnedByHand) {
-  MemoryFileSystem disk;
-  disk.put(u"\\p\\a.o");
-  disk.tick();
-  disk.put(u"\\p\\a.c");
-  EXPECT_LT(disk.modified(u"\\p\\a.o"), disk.modified(u"\\p\\a.c"));
-  disk.tick();
-  EXPECT_FALSE(disk.createEmpty(u"\\p\\a.o.Tool.trg"));
-  EXPECT_EQ(disk.modified(u"\\p\\a.o.Tool.trg"), disk.now());
-  EXPECT_FALSE(disk.deleteFile(u"\\p\\a.o"));
-  EXPECT_EQ(disk.created(), std::vector<BString>{u"\\p\\a.o.Tool.trg"});
-  EXPECT_EQ(disk.deleted(), std::vector<BString>{u"\\p\\a.o"});
-}
-
-TEST(Files, AreTheHostsUnlessATestPutsOthersInPlace) {
-  EXPECT_EQ(&files(), &hostFiles());
-  MemoryFileSystem disk;
-  {
-    const ScopedFileSystem scoped(disk);
-    EXPECT_EQ(&files(), &disk);
-  }
-  EXPECT_EQ(&files(), &hostFiles());
-}
-
 }  // namespace
 }  // namespace forgeyard

@@ -61,17 +61,6 @@ TEST(MarshalledRef, ObjectIsUsedAndReleasedOnTheOwnersThread) {
   EXPECT_EQ(log.releasedOn, std::this_thread::get_id());
 }
 
-TEST(MarshalledRef, LastCopyDroppedByTheOwnerReleasesAtOnce) {
-  Probe::Log log;
-  const ApartmentScope scope;
-  {
-    const MarshalledRef<IProbe> carried(make<Probe>(log));
-    EXPECT_EQ(carried.call([](IProbe& probe) { return probe.use(); }), S_OK);
-    EXPECT_FALSE(log.released);
-  }
-  EXPECT_TRUE(log.released);
-}
-
 TEST(MarshalledRef, EndOfTheApartmentReleasesItAndFailsItsCalls) {
   Probe::Log log;
   MarshalledRef<IProbe> carried;
@@ -116,12 +105,6 @@ TEST(MarshalledRef, StaysAliveForACallThatWaitsWhileItIsDropped) {
     EXPECT_EQ(probe.use(), S_OK);
   });
   EXPECT_TRUE(log.released);
-}
-
-TEST(MarshalledRef, NullStaysNull) {
-  const ApartmentScope scope;
-  EXPECT_FALSE(MarshalledRef<IProbe>(Ref<IProbe>()));
-  EXPECT_FALSE(MarshalledRef<IProbe>());
 }
 
 }  // namespace

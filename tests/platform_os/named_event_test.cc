@@ -39,11 +39,6 @@ TEST_F(NamedEventTest, OpenFindsNoneWhereNobodyHoldsIt) {
   EXPECT_FALSE(NamedEvent::open("StopEvent"));
 }
 
-TEST_F(NamedEventTest, NewLifeBeginsUnset) {
-  NamedEvent::create("StopEvent")->set();
-  EXPECT_FALSE(NamedEvent::create("StopEvent")->isSet());
-}
-
 TEST_F(NamedEventTest, StaysSetWhenTheSetterIsKilled) {
   const auto event = NamedEvent::create("StopEvent");
   ChildProcess setter({"set-event", "StopEvent"});

@@ -26,16 +26,6 @@ TEST_F(NamedMutexTest, ExcludesOtherObjectsOfTheSameProcess) {
   EXPECT_TRUE(b.tryLock());
 }
 
-TEST_F(NamedMutexTest, DestroyedHolderLetsGo) {
-  NamedMutex next("ExcludeMultiBuild");
-  {
-    NamedMutex holder("ExcludeMultiBuild");
-    ASSERT_TRUE(holder.tryLock());
-    ASSERT_FALSE(next.tryLock());
-  }
-  EXPECT_TRUE(next.tryLock());
-}
-
 TEST_F(NamedMutexTest, KilledHolderLetsGoAtOnce) {
   NamedMutex mutex("ExcludeMultiBuild");
   ChildProcess holder({"hold-mutex", "ExcludeMultiBuild"});

@@ -77,16 +77,6 @@ TEST(Process, ArgumentsArriveAsTheyAre) {
   EXPECT_EQ(child.output(), "a b\n\n\\home\\u\\a.c\n\"q\"\n$HOME *\n" + longOne + "\n");
 }
 
-TEST(Process, WithoutArgumentsGetsItsOwnName) {
-  ProcessOptions options;
-  options.program = "/bin/true";
-  ProcessStartError error;
-  const auto process = Process::start(options, error);
-  ASSERT_TRUE(process) << error.message;
-  waitAny({process.get()});
-  EXPECT_EQ(process->exitCode(), 0);
-}
-
 TEST(Process, RunsInItsWorkingDirectory) {
   const ScratchDirectory scratch;
   ProcessOptions options;
@@ -103,12 +93,6 @@ TEST(Process, EnvironmentIsReplacedOrInherited) {
   EXPECT_THAT(ChildProcess({"environment"}).output(), HasSubstr("FORGEYARD_TEST_VARIABLE=here\n"));
 }
 
-TEST(Process, OutputsGoWhereTheyShould) {
-  ChildProcess child({"both"});
-  EXPECT_EQ(child.output(), "to output\n");
-  EXPECT_EQ(child.errors(), "to errors\n");
-}
-
 TEST(Process, OutputsMayBeCrossed) {
   ChildProcess child({"cross"});
   EXPECT_EQ(child.output(), "to errors\n");
@@ -121,17 +105,6 @@ TEST(Process, InheritsNothingButItsThreeDescriptors) {
   const Descriptor high(::fcntl(leaky.get(), F_DUPFD, 200));
   ChildProcess child({"descriptors"});
   EXPECT_EQ(child.output(), "0 /dev/null\n1 \n2 \n");
-}
-
-TEST(Process, OutputThatNobodyWantsIsThrownAway) {
-  ProcessOptions options;
-  options.program = FORGEYARD_BIN_DIR "/platform_os_child";
-  options.arguments = {"child", "both"};
-  ProcessStartError error;
-  const auto process = Process::start(options, error);
-  ASSERT_TRUE(process) << error.message;
-  waitAny({process.get()});
-  EXPECT_EQ(process->exitCode(), 0);
 }
 
 unsigned long long maskOf(const std::string& report, const std::string& name) {
@@ -263,16 +236,6 @@ TEST(Pipe, CancelWinsOverData) {
   EXPECT_EQ(readOrCancel(pipe.readEnd, cancel, bytes).end, ReadEnd::Cancelled);
   cancel.reset();
   EXPECT_EQ(readOrCancel(pipe.readEnd, cancel, bytes).bytes, 3u);
-}
-
-TEST(Pipe, WrongEndFailsWithItsReason) {
-  Pipe pipe;
-  Event cancel;
-  char byte = 0;
-  pipe.readEnd.reset();
-  const ReadResult read = readOrCancel(pipe.writeEnd, cancel, {&byte, 1});
-  EXPECT_EQ(read.end, ReadEnd::Failed);
-  EXPECT_EQ(read.error, EBADF);
 }
 
 }  // namespace

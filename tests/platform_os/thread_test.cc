@@ -19,12 +19,6 @@ TEST(Thread, IsSignalledWhenItsBodyHasReturned) {
   EXPECT_TRUE(thread.isSignalled());
 }
 
-TEST(Thread, CarriesItsNameCutToWhatTheSystemKeeps) {
-  char name[32] = {};
-  Thread("reader of tool output", [&] { pthread_getname_np(pthread_self(), name, sizeof name); }).join();
-  EXPECT_STREQ(name, "reader of tool ");
-}
-
 TEST(Thread, LeavesSignalsToTheHostsThreads) {
   sigset_t blocked;
   sigset_t before;
@@ -66,19 +60,6 @@ TEST(Thread, WhatItsBodyOwnsGoesBeforeItCountsAsEnded) {
 TEST(Thread, ExceptionEndsTheThreadAlone) {
   Thread thread("worker", [] { throw std::runtime_error("lost"); });
   EXPECT_EQ(waitAny({&thread}), 0u);
-}
-
-TEST(Thread, BlockedReaderIsEndedByItsCancelEvent) {
-  const Pipe pipe;
-  Event cancel;
-  ReadEnd end = ReadEnd::Failed;
-  Thread reader("reader", [&] {
-    char byte = 0;
-    end = readOrCancel(pipe.readEnd, cancel, {&byte, 1}).end;
-  });
-  cancel.set();
-  reader.join();
-  EXPECT_EQ(end, ReadEnd::Cancelled);
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,10 @@ class RecordBytes {
  public:
   RecordBytes& number(std::uint32_t value) {
     for (int shift = 0; shift < 32; shift += 8) bytes_ += static_cast<char>(value >> shift & 0xFF);
+    return *this;
+  }
+  RecordBytes& numbers(std::initializer_list<std::uint32_t> values) {
+    for (const std::uint32_t value : values) number(value);
     return *this;
   }
   RecordBytes& text(std::u16string_view value) {
