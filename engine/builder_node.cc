@@ -22,14 +22,25 @@ void CBuilderInputOutput::removeSource(IBuilderInput* source) {
   std::erase_if(sources_, [source](const Ref<IBuilderInput>& other) { return other.get() == source; });
 }
 
+// Both reach every node and throw the first failure behind that: a node that fails costs no other its turn or
+// its answer, so that a build ends however one of them fares.
+
 void CBuilderInputOutput::forEachSource(HRESULT (IBuilderInput::*operation)()) {
+  HRESULT first = S_OK;
   for (const auto sources = sources_; const Ref<IBuilderInput>& source : sources) {
-    check((source.get()->*operation)());
+    const HRESULT status = (source.get()->*operation)();
+    if (succeeded(first)) first = status;
   }
+  check(first);
 }
 
 void CBuilderInputOutput::answerSinks(HRESULT (IBuilderOutput::*answer)()) {
-  for (const auto sinks = sinks_; const Ref<IBuilderOutput>& sink : sinks) check((sink.get()->*answer)());
+  HRESULT first = S_OK;
+  for (const auto sinks = sinks_; const Ref<IBuilderOutput>& sink : sinks) {
+    const HRESULT status = (sink.get()->*answer)();
+    if (succeeded(first)) first = status;
+  }
+  check(first);
 }
 
 HRESULT CBuilderInputOutput::PreBuild(IBuilderOutput* connection) {
@@ -54,9 +65,10 @@ HRESULT CBuilderInputOutput::Build() {
   return guard([&] {
     if (state_ != State::Prepared) return;
     state_ = State::Building;
-    forEachSource(&IBuilderInput::Build);
+    const HRESULT walked = guard([&] { forEachSource(&IBuilderInput::Build); });
     // Sources that answered inside that walk, and nodes without any, are acted on here.
     CheckSourcesDone();
+    check(walked);
   });
 }
 
@@ -65,8 +77,9 @@ HRESULT CBuilderInputOutput::Stop() {
     if (state_ != State::Building) return;
     stopRequested_ = true;
     if (!stopArmed_) return;
-    forEachSource(&IBuilderInput::Stop);
+    const HRESULT walked = guard([&] { forEachSource(&IBuilderInput::Stop); });
     stopArmed_ = false;
+    check(walked);
   });
 }
 
@@ -95,20 +108,30 @@ void CBuilderInputOutput::CheckSourcesDone() {
   if (completed_ + errors_ + stopped_ != sources_.size()) return;
   if (!finishArmed_) return;
   finishArmed_ = false;
-  if (stopped_ == 0 && !stopRequested_) {
-    if (errors_ == 0) {
-      state_ = State::Started;
-      StartTask();
-    } else {
-      answerSinks(&IBuilderOutput::Error);
-      state_ = State::Failed;
-    }
-  } else {
-    answerSinks(&IBuilderOutput::Stopped);
-    state_ = State::Failed;
-  }
-  OnTaskEnded();
+  const HRESULT acted = guard([&] { actOnAnswers(); });
+  const HRESULT ended = guard([&] { OnTaskEnded(); });
   prepareArmed_ = true;
+  check(acted);
+  check(ended);
+}
+
+void CBuilderInputOutput::actOnAnswers() {
+  const bool stop = stopped_ != 0 || stopRequested_;
+  if (!stop && errors_ == 0) return start();
+  const HRESULT told = guard([&] { answerSinks(stop ? &IBuilderOutput::Stopped : &IBuilderOutput::Error); });
+  state_ = State::Failed;
+  check(told);
+}
+
+// A task that can't be started is an error to the sinks as well, unless they have their answer already.
+void CBuilderInputOutput::start() {
+  state_ = State::Started;
+  const HRESULT started = guard([&] { StartTask(); });
+  if (failed(started) && state_ == State::Started) {
+    state_ = State::Failed;
+    ignore(guard([&] { answerSinks(&IBuilderOutput::Error); }));
+  }
+  check(started);
 }
 
 HRESULT CBuilderInputOutput::BuildResult(e_btr status, std::int32_t tasking) {

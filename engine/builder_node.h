@@ -56,6 +56,8 @@ class CBuilderInputOutput : public IBuilderInput, public IBuilderOutput, public 
   void clearSinks() { sinks_.clear(); }
 
  private:
+  void actOnAnswers();
+  void start();
   void answerSinks(HRESULT (IBuilderOutput::*answer)());
   void forEachSource(HRESULT (IBuilderInput::*operation)());
 

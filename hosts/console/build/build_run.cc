@@ -114,6 +114,20 @@ bool hasLearnt(IProject& project) {
   return false;
 }
 
+// A file that was cut or made by hand may lack them; no task can start without.
+void requireSettings(const OpenProject& project) {
+  const Ref<IConfiguration> configuration = project.configuration();
+  for (const Component& component : componentsOf(project.project())) {
+    Ref<IUnknown> settings;
+    if (component.kindName() == FOLDER_KIND ||
+        succeeded(component.object->get_Setting(configuration.get(), &settings)))
+      continue;
+    throw Failure(component.name + " has no settings in configuration " + nameOf(*configuration) + ": " +
+                  project.file().host +
+                  " is damaged. Make the component anew, or take the file from a backup.");
+  }
+}
+
 void startRun(Session& session, std::u16string_view name) {
   const Ref<IUseCommands> commands = query<IUseCommands>(&session.tool());
   if (!commands) throw Failure("The module has no commands.");
@@ -169,6 +183,7 @@ void storeWhatWasLearnt(OpenProject& project) {
 
 ExitCode runBuild(OpenProject& project, std::u16string_view command) {
   project.requireConsentIfIncomplete("Build what is left?");
+  requireSettings(project);
   ExitCode result = ExitCode::Failure;
   {
     const ActiveFor active(project.project(), project.configuration());
