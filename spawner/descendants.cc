@@ -25,6 +25,7 @@ void forEachChild(Visit&& visit) noexcept {
   kernel::close(list);
   pid_t pid = 0;
   for (long i = 0; i < size; ++i) {
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): the kernel has written it
     if (text[i] >= '0' && text[i] <= '9') {
       pid = pid * 10 + (text[i] - '0');
     } else if (pid != 0) {  // a number that is not ended by a blank may be cut

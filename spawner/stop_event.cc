@@ -23,13 +23,13 @@ void nameRuntimeDirectory(PathBuffer& path, const char* const* environment) noex
 
 // Someone else could have put it there first, to stop our tools.
 bool isOwnDirectory(const char* path) noexcept {
-  struct stat status;
+  struct stat status {};
   return kernel::stat(path, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode) &&
          status.st_uid == user() && (status.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
 bool isOwnFifo(int fd) noexcept {
-  struct stat status;
+  struct stat status {};
   return kernel::stat(fd, &status) == 0 && S_ISFIFO(status.st_mode) && status.st_uid == user();
 }
 

@@ -19,7 +19,7 @@ constexpr kernel::SignalMask BLOCKED = WATCHED | kernel::signalMask(SIGPIPE);
 
 // The first three must be open, or the next file that is opened becomes the tool's output.
 void openStandardDescriptors() noexcept {
-  struct stat input;
+  struct stat input {};
   const bool isNull =
       kernel::stat(STDIN_FILENO, &input) == 0 && S_ISCHR(input.st_mode) && input.st_rdev == NULL_DEVICE;
   if (!isNull) {
@@ -124,7 +124,7 @@ bool ToolRun::start() noexcept {
 }
 
 int ToolRun::startFailure() const noexcept {
-  struct stat status;
+  struct stat status {};
   const bool exists = kernel::stat(plan_.file, &status) == 0;
   const char* why = errorText(static_cast<int>(startError_));
   if (startError_ == ENOENT && exists) why = "the interpreter or loader that it names is missing";
@@ -148,7 +148,7 @@ ToolRun::News ToolRun::wait(long milliseconds) noexcept {
 }
 
 ToolRun::News ToolRun::readSignals() noexcept {
-  struct ::signalfd_siginfo info;
+  struct ::signalfd_siginfo info {};
   News news = News::None;
   while (kernel::read(signals_, &info, sizeof info) == sizeof info) {
     const int signal = static_cast<int>(info.ssi_signo);

@@ -9,7 +9,7 @@ namespace {
 enum class Candidate { Missing, NotExecutable, Program };
 
 Candidate look(const PathBuffer& file) noexcept {
-  struct stat status;
+  struct stat status {};
   if (file.wasCut() || kernel::stat(file.text(), &status) != 0) return Candidate::Missing;
   if (!S_ISREG(status.st_mode)) return Candidate::Missing;
   return status.st_mode & (S_IXUSR | S_IXGRP | S_IXOTH) ? Candidate::Program : Candidate::NotExecutable;
