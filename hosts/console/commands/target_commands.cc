@@ -6,6 +6,7 @@
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/program_paths.h"
+#include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/line_writer.h"
 #include "hosts/console/session/first_start.h"
@@ -47,8 +48,14 @@ std::vector<std::string> namesOf(const std::vector<Target>& targets) {
 ExitCode listTargets(const Invocation&) {
   const Registry registry = preparedRegistry();
   const std::string adapters = adapterDirectory(registry);
+  const std::vector<Target> targets = registeredTargets(registry);
+  if (targets.empty()) {
+    complain(
+        "There are no targets. forgeyard target detect looks for compilers along PATH, target add enters "
+        "one.");
+  }
   LineWriter out(STDOUT_FILENO);
-  for (const Target& target : registeredTargets(registry)) {
+  for (const Target& target : targets) {
     out.line(target.name);
     out.line("  compiler:  " + described(target.compiler, adapters));
     out.line("  assembler: " + described(target.assembler, adapters));
