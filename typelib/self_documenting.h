@@ -40,7 +40,22 @@ struct IKVSelfDocumenting : IUnknown {
   virtual HRESULT GetModule(BString* out) = 0;
 };
 
+// The side of a report tool, declared for clients; nothing here implements it.
+struct IReporter : IDispatch {
+  using Base = IDispatch;
+  static constexpr Guid iid = guid("1EB0D746-C3C3-11D1-BBFE-00C0F00984EB");
+
+  virtual HRESULT get_Item(const Variant& index, Ref<IDispatch>* out) = 0;
+  virtual HRESULT get_Count(std::int32_t* value) = 0;
+  virtual HRESULT get__NewEnum(Ref<IUnknown>* out) = 0;
+  virtual HRESULT Init(IDispatch* host) = 0;
+  virtual HRESULT Entries(IDispatch* object, const BString& key, std::int32_t first, std::int32_t last,
+                          Ref<IEntries>* out) = 0;
+  virtual HRESULT ModuleVersion(const BString& module, BString* version) = 0;
+};
+
 FORGEYARD_DUAL(IEntry)
 FORGEYARD_DUAL(IEntries)
+FORGEYARD_DUAL(IReporter)
 
 }  // namespace forgeyard

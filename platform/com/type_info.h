@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <tuple>
 #include <type_traits>
 
@@ -19,7 +20,8 @@ enum class ParamType : std::uint8_t { I4, UI4, Bool, R8, Bstr, Variant, Object, 
 
 struct Param {
   ParamType type;
-  bool out;  // the result of the call
+  bool out;                   // the result of the call
+  std::string_view typeName;  // as the interface definition language has it: "long", "IProject"
 };
 
 // One callable form of a member, made from its member pointer.
@@ -80,11 +82,44 @@ constexpr ParamType paramType() {
   }
 }
 
+// The name of a class, interface or enumeration without its namespaces.
+template <class T>
+constexpr std::string_view bareName() {
+  // "... bareName() [with T = forgeyard::IProject; ...]", or the same with another end.
+  std::string_view text = __PRETTY_FUNCTION__;
+  text.remove_prefix(text.find("T = ") + 4);
+  text = text.substr(0, text.find_first_of(";]"));
+  const std::size_t scope = text.rfind(':');
+  return scope == text.npos ? text : text.substr(scope + 1);
+}
+
+template <class T>
+constexpr std::string_view typeName() {
+  switch (paramType<T>()) {
+    case ParamType::I4:
+      return "long";
+    case ParamType::UI4:
+      return "unsigned long";
+    case ParamType::Bool:
+      return "VARIANT_BOOL";
+    case ParamType::R8:
+      return "double";
+    case ParamType::Bstr:
+      return "BSTR";
+    case ParamType::Variant:
+      return "VARIANT";
+    case ParamType::Object:
+    case ParamType::Enum:
+      return bareName<std::remove_cvref_t<T>>();
+  }
+  return {};
+}
+
 // Plain in values.
 template <class T>
 struct Argument {
   static constexpr bool isOut = false;
-  static constexpr Param param{paramType<T>(), false};
+  static constexpr Param param{paramType<T>(), false, typeName<T>()};
   std::remove_cvref_t<T> value{};
   HRESULT take(const Variant& given) {
     using V = std::remove_cvref_t<T>;
@@ -121,7 +156,7 @@ template <Interface I>
 struct Argument<I*> {
   static constexpr bool isOut = false;
   static constexpr bool optional = true;
-  static constexpr Param param{ParamType::Object, false};
+  static constexpr Param param{ParamType::Object, false, bareName<I>()};
   Ref<I> value;
   HRESULT take(const Variant& given) {
     Ref<IUnknown> object;
@@ -143,7 +178,7 @@ template <class T>
 requires(!Interface<T>) struct Argument<T*> {
   static constexpr bool isOut = true;
   static constexpr bool optional = true;
-  static constexpr Param param{paramType<T>(), true};
+  static constexpr Param param{paramType<T>(), true, typeName<T>()};
   T value{};
   T* pass() { return &value; }
   Variant result() const {
@@ -159,7 +194,7 @@ template <class I>
 struct Argument<Ref<I>*> {
   static constexpr bool isOut = true;
   static constexpr bool optional = true;
-  static constexpr Param param{ParamType::Object, true};
+  static constexpr Param param{ParamType::Object, true, bareName<I>()};
   Ref<I> value;
   Ref<I>* pass() { return &value; }
   Variant result() const { return value ? resultOf(Ref<IUnknown>(value.get())) : Variant::null(); }

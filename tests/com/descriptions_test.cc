@@ -12,7 +12,7 @@
 #include <typeinfo>
 
 #include "tests/com/live_objects.h"
-#include "tests/support/dual_interfaces.h"
+#include "typelib/type_library.h"
 
 namespace forgeyard {
 namespace {
@@ -67,7 +67,7 @@ std::vector<Described> describedAll(TypeList<Is...>) {
 }
 
 const std::vector<Described>& descriptions() {
-  static const auto all = describedAll(test::DualInterfaces{});
+  static const auto all = describedAll(DualInterfaces{});
   return all;
 }
 

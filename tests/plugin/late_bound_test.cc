@@ -4,7 +4,7 @@
 
 #include "tests/plugin/class_list.h"
 #include "tests/plugin/loaded_module.h"
-#include "tests/support/dual_interfaces.h"
+#include "typelib/type_library.h"
 
 namespace forgeyard::test {
 namespace {

@@ -15,4 +15,13 @@ FORGEYARD_TYPE_INFO(IEntries, nullptr,
                     method<&IEntries::EntriesWithKey>(3, "EntriesWithKey", "Key,entries",
                                                       "the entries of one key"))
 
+FORGEYARD_TYPE_INFO(
+    IReporter, nullptr,
+    readOnly<&IReporter::get_Item>(DISPID_VALUE, "Item", "the object at an index from 0", "var"),
+    readOnly<&IReporter::get_Count>(1, "Count", "number of objects"),
+    readOnly<&IReporter::get__NewEnum>(DISPID_NEWENUM, "_NewEnum", "walks the objects"),
+    method<&IReporter::Init>(2, "Init", "pHost", "collects the objects of a host"),
+    method<&IReporter::Entries>(3, "Entries", "pObject,Key,first,last,entries", "the history of an object"),
+    method<&IReporter::ModuleVersion>(4, "ModuleVersion", "mod,version", "the version of a module"))
+
 }  // namespace forgeyard

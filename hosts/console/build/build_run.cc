@@ -55,8 +55,7 @@ class Stopper {
   bool wasAsked() const { return count_ > 0; }
   // Runs the module's own command; it is disabled, and does nothing, when no run is on.
   void stopRun() {
-    const Ref<IUseCommands> commands = query<IUseCommands>(&session_.tool());
-    if (commands) ignore(guard([&] { static_cast<void>(runCommand(*commands, u"ProjectStopBuild")); }));
+    ignore(guard([&] { static_cast<void>(session_.host().commands().run(u"ProjectStopBuild")); }));
   }
 
  private:
@@ -129,10 +128,8 @@ void requireSettings(const OpenProject& project) {
 }
 
 void startRun(Session& session, std::u16string_view name) {
-  const Ref<IUseCommands> commands = query<IUseCommands>(&session.tool());
-  if (!commands) throw Failure("The module has no commands.");
   CommandOutcome outcome = CommandOutcome::Unknown;
-  require(guard([&] { outcome = runCommand(*commands, name); }), "The build can't be started");
+  require(guard([&] { outcome = session.host().commands().run(name); }), "The build can't be started");
   const std::string what = BString(name).narrow();
   if (outcome == CommandOutcome::Unknown) throw Failure("The module has no command " + what + ".");
   if (outcome == CommandOutcome::Disabled) throw Failure("The command " + what + " can't be run now.");

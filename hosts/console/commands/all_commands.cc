@@ -19,7 +19,8 @@ std::vector<const Command*> allCommands() {
   std::vector<const Command*> all;
   for (const auto& family :
        {projectCommands(), componentCommands(), connectionCommands(), fileCommands(), configurationCommands(),
-        propertyCommands(), workspaceCommands(), targetCommands(), buildCommands(), dumpCommands()}) {
+        propertyCommands(), workspaceCommands(), targetCommands(), buildCommands(), dumpCommands(),
+        automationCommands(), moduleCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

@@ -51,15 +51,30 @@ HRESULT CommandHost::UnregisterObject(const Guid& clsid, IUnknown* object) {
   return std::erase(objects_, std::pair(clsid, object)) ? S_OK : S_FALSE;
 }
 
-CommandOutcome runCommand(IUseCommands& object, std::u16string_view name) {
-  std::span<const CommandEntry> commands;
-  check(object.GetCommands(&commands));
-  const auto found = std::find_if(commands.begin(), commands.end(),
-                                  [&](const CommandEntry& entry) { return entry.name == name; });
-  if (found == commands.end()) return CommandOutcome::Unknown;
-  if (!isEnabled(object, found->id)) return CommandOutcome::Disabled;
-  check(object.RunCommand(found->id));
-  return CommandOutcome::Ran;
+void CommandHost::addObject(IUseCommands& object) {
+  Table table{Ref<IUseCommands>(&object), {}};
+  check(object.GetCommands(&table.commands));
+  tables_.push_back(std::move(table));
+}
+
+CommandOutcome CommandHost::run(std::u16string_view name) const {
+  for (const Table& table : tables_) {
+    const auto found = std::find_if(table.commands.begin(), table.commands.end(),
+                                    [&](const CommandEntry& entry) { return entry.name == name; });
+    if (found == table.commands.end()) continue;
+    if (!isEnabled(*table.object, found->id)) return CommandOutcome::Disabled;
+    check(table.object->RunCommand(found->id));
+    return CommandOutcome::Ran;
+  }
+  return CommandOutcome::Unknown;
+}
+
+std::vector<BString> CommandHost::names() const {
+  std::vector<BString> names;
+  for (const Table& table : tables_) {
+    for (const CommandEntry& entry : table.commands) names.emplace_back(entry.name);
+  }
+  return names;
 }
 
 }  // namespace forgeyard::console

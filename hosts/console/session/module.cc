@@ -7,7 +7,7 @@
 
 #include "hosts/console/base/failure.h"
 #include "hosts/console/base/program_paths.h"
-#include "typelib/classes.h"
+#include "hosts/console/session/registered_classes.h"
 
 namespace forgeyard::console {
 
@@ -31,8 +31,8 @@ std::string findModule(const Registry& registry) {
 }  // namespace
 
 std::string registeredModule(const Registry& registry) {
-  const std::string key = "HKEY_CLASSES_ROOT\\CLSID\\{" + formatGuid(CLSID_BuildTool) + "}\\InprocServer32";
-  return registry.value(key, "").value_or("");
+  const std::vector<RegisteredClass> classes = loadedObjectClasses(registry);
+  return classes.empty() ? "" : classes.front().module;
 }
 
 Module::Module(const Registry& registry) : path_(findModule(registry)) {
@@ -44,6 +44,7 @@ Module::Module(const Registry& registry) : path_(findModule(registry)) {
   getClassObject_ = reinterpret_cast<GetClassObject>(load("DllGetClassObject"));
   canUnload_ = reinterpret_cast<HRESULT (*)()>(load("DllCanUnloadNow"));
   register_ = reinterpret_cast<HRESULT (*)()>(load("DllRegisterServer"));
+  unregister_ = reinterpret_cast<HRESULT (*)()>(load("DllUnregisterServer"));
   addClassSource(getClassObject_);
 }
 

@@ -13,8 +13,8 @@ namespace forgeyard::console {
 // thread only.
 class Module {
  public:
-  // Looks beside the program, then in ../lib/forgeyard, then where the registry says that the class BuildTool
-  // is served from. Throws a Failure that says which file and why.
+  // Looks beside the program, then in ../lib/forgeyard, then where the registry says that the
+  // objects of a host's start are served from. Throws a Failure that says which file and why.
   explicit Module(const Registry& registry);
   ~Module();
   Module(const Module&) = delete;
@@ -24,6 +24,8 @@ class Module {
   const std::string& path() const { return path_; }
   // Enters the module's classes into the user's registry.
   HRESULT registerServer() const { return register_(); }
+  // Takes them out again.
+  HRESULT unregisterServer() const { return unregister_(); }
   // Whether no object of the module is alive.
   bool canUnload() const { return canUnload_() == S_OK; }
 
@@ -35,9 +37,11 @@ class Module {
   GetClassObject getClassObject_ = nullptr;
   HRESULT (*canUnload_)() = nullptr;
   HRESULT (*register_)() = nullptr;
+  HRESULT (*unregister_)() = nullptr;
 };
 
-// The registry value that says where the class BuildTool is served from: a host path; empty if there is none.
+// Where the registry says that the objects of a host's start are served from: a host path; empty if it names
+// none.
 std::string registeredModule(const Registry& registry);
 
 }  // namespace forgeyard::console

@@ -9,7 +9,6 @@
 #include "hosts/console/base/report.h"
 #include "hosts/console/session/first_start.h"
 #include "platform/threads/thread.h"
-#include "typelib/classes.h"
 
 namespace forgeyard::console {
 
@@ -28,10 +27,14 @@ Session::Session(const Options& options)
   module_.emplace(registry_);
   prepareRegistry(registry_, *module_);
   host_ = make<ConsoleHost>(output_, options_);
-  tool_ = createInstance<IBuildTool>(CLSID_BuildTool);
-  const Ref<ILoadedObject> loaded = tool_.as<ILoadedObject>();
-  if (!loaded) throw Failure(module_->path() + " does not serve the class BuildTool.");
-  require(loaded->OnLoad(host_.get()), module_->path() + " does not start");
+  objects_.emplace(registry_, host_.get(), host_->commands());
+  tool_ = objects_->find<IBuildTool>();
+  if (!tool_) {
+    objects_.reset();
+    throw Failure("None of the objects that the registry " + Registry::defaultFile() +
+                  " lists for a host's start is a build tool. \"forgeyard register\" enters those of " +
+                  module_->path() + " anew.");
+  }
   if (options.verbose) complain("Module " + module_->path() + ", registry " + Registry::defaultFile() + ".");
 }
 
@@ -52,9 +55,9 @@ Session::~Session() {
 
 void Session::unload() {
   waitForThreads();
-  if (const Ref<ILoadedObject> loaded = tool_.as<ILoadedObject>()) ignore(loaded->OnUnload());
-  host_->frame().setActiveView(nullptr);
   tool_ = nullptr;
+  objects_.reset();
+  host_->frame().setActiveView(nullptr);
   // What threads dropped is released here.
   static_cast<void>((*apartment_)->pumpPending());
 #ifndef NDEBUG

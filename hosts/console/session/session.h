@@ -6,6 +6,7 @@
 #include "hosts/console/base/report.h"
 #include "hosts/console/services/console_host.h"
 #include "hosts/console/session/console_loop.h"
+#include "hosts/console/session/loaded_objects.h"
 #include "hosts/console/session/module.h"
 #include "platform/threads/apartment.h"
 #include "typelib/buildtool.h"
@@ -15,8 +16,9 @@ namespace forgeyard::console {
 // The user's registry. Throws a Failure when it can't be read.
 Registry openRegistry();
 
-// The module at work: its library loaded, the host's services offered to it, and the build tool created and
-// sited. The end goes the same way back. The thread that makes it is the main thread of everything.
+// The module at work: its library loaded, the host's services offered to it, and the objects of its start
+// created and sited, the build tool among them. The end goes the same way back. The thread that makes it is
+// the main thread of everything.
 class Session {
  public:
   // Throws a Failure that says what is missing.
@@ -32,6 +34,7 @@ class Session {
   Apartment& apartment() const { return **apartment_; }
   ConsoleHost& host() const { return *host_; }
   IBuildTool& tool() const { return *tool_; }
+  const LoadedObjects& objects() const { return *objects_; }
 
   // Serves the module's threads until all of them have ended.
   void waitForThreads();
@@ -48,6 +51,7 @@ class Session {
   std::optional<ApartmentScope> apartment_;
   std::optional<Module> module_;
   Ref<ConsoleHost> host_;
+  std::optional<LoadedObjects> objects_;
   Ref<IBuildTool> tool_;
 };
 
