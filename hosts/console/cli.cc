@@ -27,11 +27,10 @@ constexpr const char* kShortFooter =
 // The parser takes "[a,b]" for a list and "--name=" for an option whose value follows. Neither is meant here.
 constexpr char kGuard = '\x01';
 
-std::vector<std::string> guardedArguments(int argc, char** argv) {
+std::vector<std::string> guardedArguments(const std::vector<std::string>& typed) {
   std::vector<std::string> arguments;
   bool onlyOperands = false;
-  for (int i = 1; i < argc; ++i) {
-    std::string argument = argv[i];
+  for (std::string argument : typed) {
     onlyOperands = onlyOperands || argument == "--";
     if (argument.starts_with('[')) argument.insert(argument.begin(), kGuard);
     const bool emptyValue = !onlyOperands && argument.starts_with("--") && argument.ends_with('=');
@@ -56,6 +55,39 @@ bool hasGroup(std::string_view name) {
   return name.find(' ') != name.npos;
 }
 
+bool takesValue(const std::string& argument) {
+  static const std::set<std::string> kWithValue{"-p", "--project", "-w", "--workspace", "-c", "--config"};
+  return kWithValue.contains(argument);
+}
+
+// The positions of the words that are no options.
+std::vector<std::size_t> wordPositions(const std::vector<std::string>& arguments) {
+  std::vector<std::size_t> result;
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    if (takesValue(arguments[i])) {
+      ++i;
+    } else if (!arguments[i].starts_with('-') || arguments[i] == "-") {
+      result.push_back(i);
+    }
+  }
+  return result;
+}
+
+// Takes off what stands behind the one argument of a command that hands the rest on.
+std::vector<std::string> cutRest(std::vector<std::string>& arguments) {
+  const std::vector<std::size_t> words = wordPositions(arguments);
+  if (words.size() < 2) return {};
+  const auto handsOn = [&](const Command* command) {
+    return arguments[words[0]] == command->name && command->parameters[1].kind == Kind::Rest;
+  };
+  const auto commands = allCommands();
+  if (std::none_of(commands.begin(), commands.end(), handsOn)) return {};
+  const auto behind = arguments.begin() + static_cast<std::ptrdiff_t>(words[1]) + 1;
+  std::vector<std::string> rest(behind, arguments.end());
+  arguments.erase(behind, arguments.end());
+  return rest;
+}
+
 // The parser as the tables describe it, and which rows its parts stand for.
 class CommandLine {
  public:
@@ -63,6 +95,8 @@ class CommandLine {
 
   // Throws CLI::ParseError.
   void parse(std::vector<std::string> arguments);
+  // What a command that takes the rest of the line gets.
+  void setRest(std::vector<std::string> rest) { rest_ = std::move(rest); }
   int report(const CLI::ParseError& error) { return app_.exit(error); }
   // What was asked for.
   const Command& command() const { return *chosen_->command; }
@@ -84,6 +118,7 @@ class CommandLine {
   std::map<std::string, CLI::App*, std::less<>> groups_;
   std::vector<Leaf> leaves_;
   const Leaf* chosen_ = nullptr;
+  std::vector<std::string> rest_;  // of a command that takes it
 };
 
 CommandLine::CommandLine(Options& options) {
@@ -134,7 +169,7 @@ CLI::Option* CommandLine::addParameter(CLI::App& app, const Parameter& parameter
   if (parameter.kind == Kind::Flag) return app.add_flag(parameter.name, parameter.help);
   CLI::Option* option = app.add_option(parameter.name, keep, parameter.help);
   option->type_name(parameter.kind == Kind::Option ? parameter.value : "");
-  if (parameter.kind == Kind::Texts) {
+  if (parameter.kind == Kind::Texts || parameter.kind == Kind::Rest) {
     option->expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
     option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
   }
@@ -167,6 +202,9 @@ Invocation CommandLine::invocation(const Options& options) const {
     if (parameter.kind == Kind::None) continue;
     for (const std::string& value : chosen_->parameters[next]->results())
       invocation.add(parameter.name, unguarded(value));
+    if (parameter.kind == Kind::Rest) {
+      for (const std::string& value : rest_) invocation.add(parameter.name, value);
+    }
     ++next;
   }
   return invocation;
@@ -174,16 +212,8 @@ Invocation CommandLine::invocation(const Options& options) const {
 
 // The words that are no options: the command, as far as it can be told from a line that doesn't parse.
 std::vector<std::string> words(const std::vector<std::string>& arguments) {
-  static const std::set<std::string> kWithValue{"-p", "--project", "-w", "--workspace", "-c", "--config"};
   std::vector<std::string> result;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    if (kWithValue.contains(argument)) {
-      ++i;
-    } else if (!argument.starts_with('-')) {
-      result.push_back(argument);
-    }
-  }
+  for (const std::size_t position : wordPositions(arguments)) result.push_back(arguments[position]);
   return result;
 }
 
@@ -246,9 +276,12 @@ ExitCode runGuarded(const Command& command, const Invocation& invocation) {
 }  // namespace
 
 int runCommandLine(int argc, char** argv) {
-  const std::vector<std::string> arguments = guardedArguments(argc, argv);
+  std::vector<std::string> typed(argv + 1, argv + argc);
+  std::vector<std::string> rest = cutRest(typed);
+  const std::vector<std::string> arguments = guardedArguments(typed);
   Options options;
   CommandLine line(options);
+  line.setRest(std::move(rest));
   try {
     line.parse(arguments);
   } catch (const CLI::Success& wish) {

@@ -38,9 +38,9 @@ void limitFiles(long bytes) {
   ::signal(SIGXFSZ, SIG_IGN);
 }
 
-[[noreturn]] void becomeProgram(const Start& start, int output, int errors) {
+[[noreturn]] void becomeProgram(const Start& start, int input, int output, int errors) {
   ::setpgid(0, 0);
-  ::dup2(::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+  ::dup2(input >= 0 ? input : ::open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
   ::dup2(output, STDOUT_FILENO);
   ::dup2(errors, STDERR_FILENO);
   if (!start.directory.empty() && ::chdir(start.directory.c_str()) != 0) ::_exit(126);
@@ -75,12 +75,15 @@ Lines Outcome::lines() const {
 RunningProgram::RunningProgram(const Start& start) {
   const PipeEnds output = makePipe();
   const PipeEnds errors = makePipe();
+  const PipeEnds input = start.withInput ? makePipe() : PipeEnds();
   id_ = ::fork();
   if (id_ < 0) throw std::runtime_error("no process");
-  if (id_ == 0) becomeProgram(start, output.write, errors.write);
+  if (id_ == 0) becomeProgram(start, input.read, output.write, errors.write);
   ::setpgid(id_, id_);
   ::close(output.write);
   ::close(errors.write);
+  if (start.withInput) ::close(input.read);
+  input_ = input.write;
   output_ = output.read;
   errors_ = errors.read;
 }
@@ -90,6 +93,7 @@ RunningProgram::~RunningProgram() {
     ::kill(-id_, SIGKILL);
     ::waitpid(id_, nullptr, 0);
   }
+  closeInput();
   if (output_ >= 0) ::close(output_);
   if (errors_ >= 0) ::close(errors_);
 }
@@ -122,6 +126,26 @@ bool RunningProgram::waitForOutput(std::string_view text) {
     if (output_ < 0 || !readMore(deadline)) return false;
   }
   return true;
+}
+
+bool RunningProgram::readSome() {
+  return output_ >= 0 && readMore(Clock::now() + kPatience);
+}
+
+bool RunningProgram::write(std::string_view text) const {
+  // A reader that has gone is what some tests are about.
+  ::signal(SIGPIPE, SIG_IGN);
+  while (!text.empty()) {
+    const ssize_t written = ::write(input_, text.data(), text.size());
+    if (written <= 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+void RunningProgram::closeInput() {
+  if (input_ >= 0) ::close(input_);
+  input_ = -1;
 }
 
 void RunningProgram::signal(int number) const {

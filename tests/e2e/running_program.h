@@ -26,9 +26,10 @@ struct Start {
   std::string directory;          // where it runs
   Lines environment;              // NAME=VALUE; replaces what this process has under that name
   std::optional<long> fileLimit;  // no file of it grows beyond so many bytes
+  bool withInput = false;         // standard input is a pipe for write(), not empty
 };
 
-// A program at work in a process group of its own, without standard input. One that is still running at the
+// A program at work in a process group of its own. One that is still running at the
 // end of the object is killed. For one thread.
 class RunningProgram {
  public:
@@ -40,6 +41,13 @@ class RunningProgram {
   pid_t id() const { return id_; }
   // Reads until the text stands in its standard output; false if that ends or half a minute passes before.
   bool waitForOutput(std::string_view text);
+  // Waits for some more of its output; false if that has ended or nothing comes for a long time.
+  bool readSome();
+  // All of standard output that has been read.
+  const std::string& seen() const { return outcome_.output; }
+  // False when nobody reads it any more.
+  bool write(std::string_view text) const;
+  void closeInput();
   void signal(int number) const;
   // As Ctrl-C at a terminal: reaches its whole process group.
   void interrupt() const;
@@ -52,6 +60,7 @@ class RunningProgram {
   static bool readFrom(int& fd, std::string& text);
 
   pid_t id_ = -1;
+  int input_ = -1;
   int output_ = -1;
   int errors_ = -1;
   bool collected_ = false;

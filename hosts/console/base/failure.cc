@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdio>
 
+#include "typelib/buildtool.h"
+
 namespace forgeyard::console {
 
 namespace {
@@ -14,6 +16,17 @@ struct Words {
 
 constexpr std::array kWords{
     Words{E_FAIL, "no reason is given"},
+    Words{E_NOTIMPL, "this part is not built yet"},
+    Words{E_POINTER, "an object is missing"},
+    Words{E_INVALIDARG, "the value is not allowed"},
+    Words{E_UNEXPECTED, "it can't be done in this state"},
+    Words{DISP_E_MEMBERNOTFOUND, "there is no such member"},
+    Words{DISP_E_UNKNOWNNAME, "there is no such member"},
+    Words{DISP_E_PARAMNOTFOUND, "it is missing"},
+    Words{DISP_E_TYPEMISMATCH, "a value of another type is needed"},
+    Words{DISP_E_OVERFLOW, "the number is out of range"},
+    Words{DISP_E_BADPARAMCOUNT, "there are too many arguments"},
+    Words{E_BUILDING, "a build is going on"},
     Words{E_OUTOFMEMORY, "there is not enough memory"},
     Words{E_NOINTERFACE, "the object does not have the interface that is needed"},
     Words{REGDB_E_CLASSNOTREG, "the class is not registered"},

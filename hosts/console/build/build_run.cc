@@ -21,35 +21,33 @@ class EndOfRun final : public ComObject<IBuildToolE> {
  public:
   explicit EndOfRun(Apartment& apartment) : apartment_(apartment) {}
 
-  bool started() const { return started_; }
+  bool hasEnded() const { return ended_; }
 
-  HRESULT OnBuildStart(e_task, std::int32_t*) override {
-    started_ = true;
-    return S_OK;
-  }
+  HRESULT OnBuildStart(e_task, std::int32_t*) override { return S_OK; }
   HRESULT OnBuildEnd() override {
+    ended_ = true;
     return guard([&] { apartment_.post([&apartment = apartment_] { apartment.quit(); }); });
   }
 
  private:
   Apartment& apartment_;
-  bool started_ = false;
+  bool ended_ = false;
 };
 
 // Answers the user's wishes to stop, each one more urgently.
 class Stopper {
  public:
   explicit Stopper(Session& session) : session_(session) {
-    session_.output().setInterrupt(&signals_);
+    before_ = session_.setInterrupt(&signals_);
     session_.loop().watch(&signals_, [this] { taken(); });
   }
   Stopper(const Stopper&) = delete;
   Stopper& operator=(const Stopper&) = delete;
   ~Stopper() {
-    session_.loop().watch(nullptr, nullptr);
+    session_.loop().unwatch(&signals_);
     // Posted answers must not outlive this object.
     static_cast<void>(session_.apartment().pumpPending());
-    session_.output().setInterrupt(nullptr);
+    session_.setInterrupt(before_);
   }
 
   bool wasAsked() const { return count_ > 0; }
@@ -78,6 +76,7 @@ class Stopper {
 
   Session& session_;
   StopSignals signals_;
+  const Waitable* before_ = nullptr;
   int count_ = 0;
 };
 
@@ -127,13 +126,28 @@ void requireSettings(const OpenProject& project) {
   }
 }
 
-void startRun(Session& session, std::u16string_view name) {
+void start(Session& session, std::u16string_view name) {
   CommandOutcome outcome = CommandOutcome::Unknown;
-  require(guard([&] { outcome = session.host().commands().run(name); }), "The build can't be started");
   const std::string what = BString(name).narrow();
+  require(guard([&] { outcome = session.host().commands().run(name); }), "The command " + what + " failed");
   if (outcome == CommandOutcome::Unknown) throw Failure("The module has no command " + what + ".");
   if (outcome == CommandOutcome::Disabled) throw Failure("The command " + what + " can't be run now.");
 }
+
+bool isBuilding(Session& session) {
+  std::int32_t building = 0;
+  check(session.tool().get_Building(&building));
+  return building != 0;
+}
+
+// Serves the run until it is over. Standard output that breaks stops it.
+void serveRun(Session& session, Stopper& stopper) {
+  session.loop().setOnOutputLost([&] { session.apartment().post([&] { stopper.stopRun(); }); });
+  session.apartment().run();
+  session.loop().setOnOutputLost(nullptr);
+}
+
+}  // namespace
 
 ExitCode lastResult(Session& session) {
   e_btr result = E_BTR_ERROR;
@@ -144,30 +158,29 @@ ExitCode lastResult(Session& session) {
   return result == E_BTR_COMPLETED ? ExitCode::Success : ExitCode::BuildErrors;
 }
 
-// Serves the run until it is over. Standard output that breaks stops it.
-void serveRun(Session& session, Stopper& stopper) {
-  session.loop().setOnOutputLost([&] { session.apartment().post([&] { stopper.stopRun(); }); });
-  session.apartment().run();
-  session.loop().setOnOutputLost(nullptr);
+const char* resultWord(ExitCode result) {
+  return result == ExitCode::Success ? "OK" : result == ExitCode::Stopped ? "STOPPED" : "ERRORS";
 }
 
-ExitCode runToEnd(Session& session, std::u16string_view command) {
+CommandEnd runCommand(Session& session, std::u16string_view command) {
   Stopper stopper(session);
   const auto end = make<EndOfRun>(session.apartment());
   Advice advice;
   check(advice.connect<IBuildToolE>(&session.tool(), end.get()));
   try {
-    startRun(session, command);
+    start(session, command);
   } catch (const Failure&) {
     stopper.stopRun();
     throw;
   }
-  if (!end->started()) throw Failure("The build was not started.");
+  // A sink may have refused the build.
+  if (!end->hasEnded() && !isBuilding(session)) return {};
   serveRun(session, stopper);
   session.waitForThreads();
-  const ExitCode result = lastResult(session);
-  return stopper.wasAsked() ? ExitCode::Stopped : result;
+  return {lastResult(session), stopper.wasAsked()};
 }
+
+namespace {
 
 void storeWhatWasLearnt(OpenProject& project) {
   if (!hasLearnt(project.project())) return;
@@ -184,7 +197,9 @@ ExitCode runBuild(OpenProject& project, std::u16string_view command) {
   ExitCode result = ExitCode::Failure;
   {
     const ActiveFor active(project.project(), project.configuration());
-    result = runToEnd(project.session(), command);
+    const CommandEnd end = runCommand(project.session(), command);
+    if (!end.result) throw Failure("The build was not started.");
+    result = end.stopAsked ? ExitCode::Stopped : *end.result;
   }
   storeWhatWasLearnt(project);
   return project.session().finish(result);

@@ -1,11 +1,13 @@
-// typelib: what scripts and other programs can reach.
+// typelib, script, serve: what scripts and other programs can reach, and how.
 
 #include <unistd.h>
 
 #include "hosts/console/automation/idl.h"
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/services/line_writer.h"
+#include "hosts/console/project/open_project.h"
+#include "hosts/console/script/script.h"
+#include "hosts/console/serve/server.h"
 #include "typelib/type_library.h"
 
 namespace forgeyard::console {
@@ -30,11 +32,43 @@ ExitCode showTypeLibrary(const Invocation& invocation) {
   return finishOutput(out, ExitCode::Success);
 }
 
+ExitCode runScript(const Invocation& invocation) {
+  Session session(invocation.options());
+  std::optional<OpenProject> project;
+  if (!invocation.options().project.empty()) project.emplace(session);
+  Script script(session);
+  const int code = script.run(invocation.text("FILE"), invocation.texts("ARGUMENTS"));
+  return session.finish(static_cast<ExitCode>(code));
+}
+
+ExitCode serve(const Invocation& invocation) {
+  if (!invocation.has("--stdio"))
+    throw Failure("How is the client to be reached? forgeyard serve --stdio uses standard input and output.");
+  Session session(invocation.options());
+  std::optional<OpenProject> project;
+  if (!invocation.options().project.empty()) project.emplace(session);
+  ExitCode code = ExitCode::Success;
+  {
+    Server server(session);
+    code = server.run();
+  }
+  return code == ExitCode::OutputClosed ? code : session.finish(code);
+}
+
 constexpr std::array kCommands{
     Command{"typelib",
             "Show the interfaces that scripts and programs can use: members, types and one line of help",
             {{{Kind::OptionalText, "INTERFACE", "", "this one alone, in any case: IProject, or project"}}},
             showTypeLibrary},
+    Command{"script",
+            "Run a Lua script over the live objects; with -p the project is loaded and active",
+            {{{Kind::Text, "FILE", "", "the script; \"-\" for standard input"},
+              {Kind::Rest, "ARGUMENTS", "", "for the script, options included: its table \"arg\""}}},
+            runScript},
+    Command{"serve",
+            "Let another program work with the live objects, by JSON-RPC; with -p the project is loaded",
+            {{{Kind::Flag, "--stdio", "", "requests come on standard input, answers go to standard output"}}},
+            serve},
 };
 
 }  // namespace

@@ -22,6 +22,7 @@ struct Parameter {
     Texts,         // one or more
     Option,        // "--name VALUE"
     Flag,          // "--name"
+    Rest,          // all that stands behind the arguments before it, options too
   };
 
   Kind kind = Kind::None;

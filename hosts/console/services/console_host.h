@@ -17,6 +17,7 @@ class ConsoleHost final : public ComObject<IServiceLookup> {
   ConsoleHost(LineWriter& output, const Options& options);
 
   MainFrame& frame() const { return *frame_; }
+  OutputWindow& outputWindow() const { return *output_; }
   CommandHost& commands() const { return *commands_; }
 
   HRESULT LookUp(const Guid& service, const Guid& iid, void** out) override;

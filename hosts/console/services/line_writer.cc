@@ -89,6 +89,10 @@ char* LineWriter::reserve(std::size_t bytes) {
 
 void LineWriter::finishLine(char* end) {
   *end++ = '\n';
+  finish(end);
+}
+
+void LineWriter::finish(char* end) {
   const Clock::time_point now = coarseNow();
   if (used_ == 0) oldest_ = now;
   newest_ = now;
@@ -108,6 +112,13 @@ void LineWriter::line(std::string_view text) {
   char* out = reserve(text.size() + 1);
   if (!text.empty()) std::memcpy(out, text.data(), text.size());
   finishLine(out + text.size());
+}
+
+void LineWriter::raw(std::string_view bytes) {
+  if (state_ != State::Open || bytes.empty()) return;
+  char* out = reserve(bytes.size());
+  std::memcpy(out, bytes.data(), bytes.size());
+  finish(out + bytes.size());
 }
 
 std::chrono::milliseconds LineWriter::dueIn() const {

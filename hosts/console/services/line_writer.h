@@ -32,6 +32,8 @@ class LineWriter {
   // Appends the text and a line feed.
   void line(std::u16string_view text);
   void line(std::string_view text);
+  // Appends bytes as they stand.
+  void raw(std::string_view bytes);
   void flush();
 
   // How long the lines that wait may go on waiting: zero on a terminal; nothing waits: negative, for ever.
@@ -49,6 +51,7 @@ class LineWriter {
 
   char* reserve(std::size_t bytes);
   void finishLine(char* end);
+  void finish(char* end);
   bool waitUntilWritable();
   bool takesMoreInTime(pollfd& output);
   void drop(State state, int error = 0);

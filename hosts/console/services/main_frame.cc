@@ -40,6 +40,7 @@ HRESULT MainFrame::GetActiveView(Ref<IUnknown>* out) {
 HRESULT MainFrame::ShowMessage(const BString& text, const BString& title, MessageButtons buttons, MessageIcon,
                                MessageAnswer* answer) {
   return guard([&] {
+    if (listener_) listener_(title, text);
     const std::string message = text.narrow();
     if (buttons == MessageButtons::Ok) {
       complain(title.narrow() + ": " + message);

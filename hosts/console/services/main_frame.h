@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hosts/console/base/options.h"
@@ -23,6 +25,10 @@ class MainFrame final : public ComObject<IMainFrame, IUserInterface> {
   void chooseNextFile(const BString& path) { file_ = path; }
   // What the view with the focus answers to; null for none.
   void setActiveView(IUnknown* view) { activeView_ = Ref<IUnknown>(view); }
+  // Gets every message and question too, until the next call; null ends that.
+  void setListener(std::function<void(const BString& title, const BString& text)> listener) {
+    listener_ = std::move(listener);
+  }
   // Whether a question has been answered with no or Cancel because nobody could be asked.
   bool refusedForWantOfTerminal() const { return refused_; }
 
@@ -43,6 +49,7 @@ class MainFrame final : public ComObject<IMainFrame, IUserInterface> {
   bool yes_;
   bool quiet_;
   bool refused_ = false;
+  std::function<void(const BString& title, const BString& text)> listener_;
   std::optional<std::vector<BString>> dialog_;
   std::optional<BString> file_;
   Ref<IUnknown> activeView_;

@@ -20,9 +20,11 @@ HRESULT OutputWindow::ShowTab(const BString& tab) {
   return hasTab(tab) ? S_OK : E_FAIL;
 }
 
-HRESULT OutputWindow::AddLine(const BString&, const BString& text) {
+HRESULT OutputWindow::AddLine(const BString& tab, const BString& text) {
   return guard([&] {
-    if (quiet_) {
+    if (listener_) {
+      listener_(tab, text);
+    } else if (quiet_) {
       addQuietly(text);
     } else {
       writer_->line(text.view());

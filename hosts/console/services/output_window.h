@@ -1,6 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "hosts/console/services/line_writer.h"
@@ -16,6 +18,11 @@ class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
  public:
   OutputWindow(LineWriter& writer, bool quiet) : writer_(&writer), quiet_(quiet) {}
 
+  // Gets the lines in place of the writer, until the next call; null ends that.
+  void setListener(std::function<void(const BString& tab, const BString& text)> listener) {
+    listener_ = std::move(listener);
+  }
+
   HRESULT OpenTab(const BString& tab, std::int32_t* value, std::int32_t create) override;
   HRESULT Reserved() override { return S_OK; }
   HRESULT ShowTab(const BString& tab) override;
@@ -29,6 +36,7 @@ class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
   void addQuietly(const BString& text);
 
   LineWriter* writer_;
+  std::function<void(const BString& tab, const BString& text)> listener_;
   bool quiet_;
   QuietFilter filter_;
   BString held_;  // a command that is shown only if something follows; null: none

@@ -8,8 +8,11 @@
 namespace forgeyard::console {
 
 void ConsoleLoop::watch(const Waitable* handle, std::function<void()> signalled) {
-  watched_ = handle;
-  signalled_ = std::move(signalled);
+  watched_.emplace_back(handle, std::move(signalled));
+}
+
+void ConsoleLoop::unwatch(const Waitable* handle) {
+  std::erase_if(watched_, [&](const auto& entry) { return entry.first == handle; });
 }
 
 void ConsoleLoop::lookAtOutput() {
@@ -24,12 +27,13 @@ void ConsoleLoop::flushOutput() {
 }
 
 std::optional<std::size_t> ConsoleLoop::wait(Waitables handles) {
-  std::vector<const Waitable*> all;
-  all.reserve(handles.size() + 1);
-  all.assign(handles.begin(), handles.end());
-  if (watched_) all.push_back(watched_);
   lookAtOutput();
   for (;;) {
+    // Anew in each round: a call back may have ended a watch.
+    std::vector<const Waitable*> all;
+    all.reserve(handles.size() + watched_.size());
+    all.assign(handles.begin(), handles.end());
+    for (const auto& entry : watched_) all.push_back(entry.first);
     if (output_.dueIn() == std::chrono::milliseconds::zero()) flushOutput();
     const auto index = detail::pollFirst(all, &wake_, output_.dueIn());
     if (!index) {
@@ -37,7 +41,8 @@ std::optional<std::size_t> ConsoleLoop::wait(Waitables handles) {
     } else if (*index < handles.size()) {
       return index;
     } else if (*index < all.size()) {
-      signalled_();
+      const std::function<void()> signalled = watched_[*index - handles.size()].second;
+      signalled();
     } else {
       wake_.reset();
       return std::nullopt;

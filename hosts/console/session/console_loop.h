@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <utility>
+#include <vector>
 
 #include "hosts/console/services/line_writer.h"
 #include "platform/threads/event.h"
@@ -9,16 +10,17 @@
 
 namespace forgeyard::console {
 
-// The loop under the main thread's apartment: one poll over what the caller waits for, one more handle of the
-// host's own (the user's stop signals), and the time at which waiting output has to leave. Borrows the
-// writer.
+// The loop under the main thread's apartment: one poll over what the caller waits for, handles of the
+// host's own (the user's stop signals, a client's requests), and the time at which waiting output has to
+// leave. Borrows the writer.
 class ConsoleLoop final : public MessageLoop {
  public:
   explicit ConsoleLoop(LineWriter& output) : output_(output) {}
 
   // Calls `signalled` from inside wait() whenever the handle is signalled; it has to take the signal away,
-  // and must leave everything else to a call that it posts. Null ends that. Apartment's thread.
+  // and must leave everything else to a call that it posts. Borrows the handle. Apartment's thread.
   void watch(const Waitable* handle, std::function<void()> signalled);
+  void unwatch(const Waitable* handle);
 
   // Called once from inside wait(), when it turns out that standard output can't be written any more; as
   // above.
@@ -33,8 +35,7 @@ class ConsoleLoop final : public MessageLoop {
 
   LineWriter& output_;
   Event wake_;
-  const Waitable* watched_ = nullptr;
-  std::function<void()> signalled_;
+  std::vector<std::pair<const Waitable*, std::function<void()>>> watched_;
   std::function<void()> outputLost_;
 };
 

@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <thread>
+#include <utility>
 
 #include "hosts/console/base/failure.h"
 #include "hosts/console/base/report.h"
@@ -36,6 +37,11 @@ Session::Session(const Options& options)
                   module_->path() + " anew.");
   }
   if (options.verbose) complain("Module " + module_->path() + ", registry " + Registry::defaultFile() + ".");
+}
+
+const Waitable* Session::setInterrupt(const Waitable* interrupt) {
+  output_.setInterrupt(interrupt);
+  return std::exchange(interrupt_, interrupt);
 }
 
 // They may still hand lines to this thread.

@@ -36,6 +36,12 @@ class Session {
   IBuildTool& tool() const { return *tool_; }
   const LoadedObjects& objects() const { return *objects_; }
 
+  // What the user says stop with: output that is stuck gives way to it. Borrowed until the next call; null
+  // for none. Returns the one before.
+  const Waitable* setInterrupt(const Waitable* interrupt);
+  // Whether the user has said stop, and nobody has answered yet.
+  bool isInterrupted() const { return interrupt_ && interrupt_->isSignalled(); }
+
   // Serves the module's threads until all of them have ended.
   void waitForThreads();
   // Sends off what was written. The exit code, or another one if standard output could not take it.
@@ -47,6 +53,7 @@ class Session {
   const Options& options_;
   Registry registry_;
   LineWriter output_;
+  const Waitable* interrupt_ = nullptr;
   ConsoleLoop* loop_ = nullptr;  // the apartment's
   std::optional<ApartmentScope> apartment_;
   std::optional<Module> module_;
