@@ -5,7 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "engine/diagnostics.h"
 #include "engine/output_tab.h"
+#include "engine/self_documenting.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/object.h"
 #include "platform/com/weak_ref.h"
@@ -20,10 +22,10 @@ namespace forgeyard {
 // The one object that lives for the whole run of the host: it owns the projects of the workspace and the
 // build run, one at a time, and is the last sink of the builder protocol. What a build command reaches first.
 // Main thread only; the answers of worker threads arrive there too.
-class CBuildTool final
-    : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
-                       ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>, ILoadedObject,
-                       IUseCommands, IPersistStorage, IBuildRunResult, IWorkspaceRecords, WeakSource> {
+class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
+                                          ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>,
+                                          ILoadedObject, IUseCommands, IPersistStorage, IBuildRunResult,
+                                          IWorkspaceRecords, SelfDocumenting, WeakSource> {
  public:
   CBuildTool();
 
@@ -107,6 +109,7 @@ class CBuildTool final
   Ref<IEnumUnknown> selectedItems();
 
   IServiceLookup* outputServices() const override { return site_.get(); }
+  const History& history() const override;
 
   Ref<IServiceLookup> site_;
   Ref<IServiceLookup> services_;  // what the projects get: the host's, and this tool
@@ -124,6 +127,7 @@ class CBuildTool final
   Ref<IUnknown> saveToken_;
   std::unique_ptr<NamedEvent> stopEvent_;  // held between build runs, so that the name lives
   Ref<IStorage> storage_;
+  Diagnostics diagnostics_{static_cast<IBuildTool*>(this)};
 };
 
 }  // namespace forgeyard

@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "engine/simple_collection.h"
 #include "model/configuration.h"
 #include "model/folder.h"
 #include "model/folder_settings.h"
 #include "model/project.h"
-#include "model/simple_collection.h"
 #include "model/source_file.h"
 #include "model/workspace_object.h"
 #include "typelib/classes.h"

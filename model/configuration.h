@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/diagnostics.h"
+#include "engine/self_documenting.h"
 #include "model/cookie_table.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
@@ -30,7 +32,7 @@ struct ConfigurationRecord {
 // A named set of build choices of one project. Owned by the project, of which it keeps a weak reference. Main
 // thread only.
 class CConfiguration final : public ComObject<Dual<IConfiguration>, IPersistStream, SupportCookies,
-                                              ConnectionPoints<IPropertyNotifySink>> {
+                                              ConnectionPoints<IPropertyNotifySink>, SelfDocumenting> {
  public:
   // IConfiguration
   HRESULT get_Name(BString* value) override;
@@ -62,6 +64,7 @@ class CConfiguration final : public ComObject<Dual<IConfiguration>, IPersistStre
     bool updateFileDependencies = true;
   };
 
+  const History& history() const override;
   CookieTable& cookies() override { return record_.cookies; }
   // Empty when there is no such cookie.
   BString target() const;
@@ -75,6 +78,7 @@ class CConfiguration final : public ComObject<Dual<IConfiguration>, IPersistStre
   ConfigurationRecord stored_;
   bool inFile_ = false;  // stored_ is what the file holds
   Snapshot snapshot_;
+  Diagnostics diagnostics_{static_cast<IConfiguration*>(this)};
 };
 
 }  // namespace forgeyard

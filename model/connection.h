@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/self_documenting.h"
 #include "platform/com/object.h"
 #include "platform/com/weak_ref.h"
 #include "platform/storage/persist.h"
@@ -10,7 +11,7 @@ namespace forgeyard {
 
 // The output of one component feeds another. Owned by the project's connections; holds both ends until Close
 // and keeps the project weakly. Main thread only.
-class CConnection final : public ComObject<Dual<IConnection>, IPersistStream> {
+class CConnection final : public ComObject<Dual<IConnection>, IPersistStream, SelfDocumenting> {
  public:
   CConnection() = default;
   explicit CConnection(WeakRef<IProject> project) : project_(std::move(project)) {}
@@ -32,6 +33,8 @@ class CConnection final : public ComObject<Dual<IConnection>, IPersistStream> {
   IComponent* to() const { return to_.get(); }
 
  private:
+  const History& history() const override;
+
   WeakRef<IProject> project_;
   Ref<IComponent> from_;
   Ref<IComponent> to_;

@@ -5,6 +5,8 @@
 #include <vector>
 
 #include "engine/component_base.h"
+#include "engine/diagnostics.h"
+#include "engine/self_documenting.h"
 #include "platform/com/connection_point.h"
 #include "typelib/folder.h"
 
@@ -13,8 +15,8 @@ namespace forgeyard {
 // The component that holds source files: it has no inputs, does no work in a build and gives the full names
 // of its files to what it is connected to, unless it is disabled in the active configuration. Main thread
 // only.
-class CFolder final
-    : public ComObject<Dual<IFolder>, CComponentBase, ConnectionPoints<IPropertyNotifySink>, IFolderFiles> {
+class CFolder final : public ComObject<Dual<IFolder>, CComponentBase, ConnectionPoints<IPropertyNotifySink>,
+                                       IFolderFiles, SelfDocumenting> {
  public:
   // IFolder
   HRESULT get_SourceFiles(Ref<ISourceFiles>* out) override;
@@ -75,6 +77,8 @@ class CFolder final
   void snapshot() override { savedName_ = name(); }
   void endTransaction(bool apply) override;
 
+  const History& history() const override;
+
   void loadFiles(IStream& stream);
   void know();
   bool enabledNow();
@@ -88,6 +92,7 @@ class CFolder final
   // The names of all files as of a generation of names.
   FileList names_;
   std::uint64_t namesGeneration_ = 0;
+  Diagnostics diagnostics_{static_cast<IFolder*>(this)};
 };
 
 }  // namespace forgeyard

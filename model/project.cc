@@ -1,12 +1,12 @@
 #include "model/project.h"
 
 #include "engine/modal_scope.h"
+#include "engine/simple_collection.h"
 #include "model/components.h"
 #include "model/configuration_dialogs.h"
 #include "model/configurations.h"
 #include "model/external_dependencies.h"
 #include "model/file_insertion.h"
-#include "model/simple_collection.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {

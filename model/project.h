@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "engine/builder_node.h"
+#include "engine/diagnostics.h"
 #include "engine/output_tab.h"
+#include "engine/self_documenting.h"
 #include "model/connections.h"
 #include "model/file_index.h"
 #include "model/name_pool.h"
@@ -28,7 +30,7 @@ namespace forgeyard {
 class CProject final
     : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>, IPersistStream,
                        CBuilderInputOutput, OutputTab, WeakSource, IComponentSite, IProjectReport,
-                       IProjectRecords, IWorkspaceProjectRecord> {
+                       IProjectRecords, IWorkspaceProjectRecord, SelfDocumenting> {
  public:
   CProject();
 
@@ -132,6 +134,7 @@ class CProject final
   void StartTask() override;
   void ReportResult(e_btr) override {}
   IServiceLookup* outputServices() const override { return services_.get(); }
+  const History& history() const override;
 
   void collectTerminalComponents();
   Ref<IBuilderTask> builderTask() const;
@@ -165,6 +168,7 @@ class CProject final
   std::vector<LoadOmission> omissions_;
   HRESULT loadFailure_ = S_OK;
   HRESULT saveFailure_ = S_OK;
+  Diagnostics diagnostics_{static_cast<IProject*>(this)};
 };
 
 }  // namespace forgeyard

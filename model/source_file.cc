@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "engine/simple_collection.h"
 #include "model/file_names.h"
-#include "model/simple_collection.h"
 #include "platform/paths/shell_path.h"
 #include "typelib/classes.h"
 

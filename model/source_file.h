@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "engine/self_documenting.h"
 #include "model/name_pool.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
@@ -38,7 +39,7 @@ class SourceFileReader {
 // may have tens of thousands, so an object is small: equal names share one buffer, and its connection point
 // is made when the first client asks for it. Main thread only.
 class CSourceFile final : public ComObject<Dual<ISourceFile>, IConnectionPointContainer, IPersistStream,
-                                           ISourceFileDependencies> {
+                                           ISourceFileDependencies, SelfDocumenting> {
  public:
   // ISourceFile
   HRESULT get_Name(BString* value) override;
@@ -74,6 +75,7 @@ class CSourceFile final : public ComObject<Dual<ISourceFile>, IConnectionPointCo
   void load(SourceFileReader& reader);
 
  private:
+  const History& history() const override;
   void notify(std::int32_t id) const;
   BString workingDirectory() const;
 

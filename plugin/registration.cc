@@ -1,9 +1,6 @@
 #include "plugin/registration.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
-#include <filesystem>
 
 #include "platform/registry/registry.h"
 #include "platform/storage/storage_status.h"
@@ -64,15 +61,6 @@ void enterTypeLibrary(Registry& registry, const std::string& modulePath) {
   registry.setValue(version + R"(\409\linux)", "", modulePath);
 }
 
-// The loader knows the path as it was given, which may be relative to where the process stood at that moment.
-const std::string kLoadedFrom = [] {
-  Dl_info info{};
-  if (!dladdr(reinterpret_cast<void*>(&enterTypeLibrary), &info) || !info.dli_fname) return std::string();
-  std::error_code error;
-  const std::filesystem::path whole = std::filesystem::absolute(info.dli_fname, error);
-  return error ? std::string(info.dli_fname) : whole.lexically_normal().string();
-}();
-
 // One write for all classes.
 template <class Change>
 HRESULT changeRegistry(Change&& change) {
@@ -103,10 +91,6 @@ HRESULT unregisterClasses() {
       }
     }
   });
-}
-
-const std::string& modulePath() {
-  return kLoadedFrom;
 }
 
 }  // namespace forgeyard

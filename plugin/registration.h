@@ -13,7 +13,4 @@ namespace forgeyard {
 HRESULT registerClasses(const std::string& modulePath);
 HRESULT unregisterClasses();
 
-// The absolute host path of the binary that this code is in.
-const std::string& modulePath();
-
 }  // namespace forgeyard

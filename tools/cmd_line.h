@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "engine/self_documenting.h"
 #include "tools/cmd_line_settings.h"
 #include "tools/tool_component.h"
 
@@ -9,7 +10,7 @@ namespace forgeyard {
 
 // The component whose command the user types. It runs for each input file or, with 'Execute Once', once for
 // all of them. Main thread only.
-class CCmdLine final : public ToolComponent<ICmdLine, CmdLineSettings, CLSID_CmdLine> {
+class CCmdLine final : public ToolComponent<ICmdLine, CmdLineSettings, CLSID_CmdLine, SelfDocumenting> {
  protected:
   const char16_t* streamName() const override { return u"CmdLineSettings"; }
   std::pair<BString, BString> newDialogTexts() const override;
@@ -18,6 +19,7 @@ class CCmdLine final : public ToolComponent<ICmdLine, CmdLineSettings, CLSID_Cmd
   BString BuildOnceCommand() override;
 
  private:
+  const History& history() const override;
   // False after a message in the output tab.
   bool ValidateCommand();
 };

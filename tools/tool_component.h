@@ -1,15 +1,16 @@
 #pragma once
 
 #include "engine/builder_component.h"
+#include "engine/diagnostics.h"
 #include "tools/settings_object.h"
 #include "tools/target_tool.h"
 
 namespace forgeyard {
 
 // What a tool component is by its types alone: its name under the tool's own interface, its class and its
-// settings objects.
-template <class Interface, class Settings, const Guid& Clsid>
-class ToolComponent : public ComObject<CBuilderComponent, Dual<Interface>> {
+// settings objects, and further interfaces.
+template <class Interface, class Settings, const Guid& Clsid, class... More>
+class ToolComponent : public ComObject<CBuilderComponent, Dual<Interface>, More...> {
  public:
   HRESULT get_Name(BString* value) override { return this->get_ComponentName(value); }
   HRESULT put_Name(const BString& value) override {
@@ -31,6 +32,9 @@ class ToolComponent : public ComObject<CBuilderComponent, Dual<Interface>> {
     if (!settings) throw StatusError(E_FAIL);
     return settings;
   }
+
+ private:
+  Diagnostics diagnostics_{static_cast<Interface*>(this)};
 };
 
 // A tool whose program goes by the target of the active configuration, and which runs for each file with a

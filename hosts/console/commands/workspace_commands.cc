@@ -60,8 +60,7 @@ ExitCode remove(const Invocation& invocation) {
   const Ref<IProject> active = workspace.find("");
   // The command of that name works on the active project, and chooses the next one.
   check(session.tool().put_ActiveProject(leaving.get()));
-  const Ref<IUseCommands> commands = query<IUseCommands>(&session.tool());
-  if (runCommand(*commands, u"ProjectRemove") != CommandOutcome::Ran)
+  if (session.host().commands().run(u"ProjectRemove") != CommandOutcome::Ran)
     throw Failure(nameOf(*leaving) + " can't be removed.");
   if (workspace.projects().size() == before)
     return session.host().frame().refusedForWantOfTerminal() ? ExitCode::Failure : ExitCode::Success;

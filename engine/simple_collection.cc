@@ -1,4 +1,4 @@
-#include "model/simple_collection.h"
+#include "engine/simple_collection.h"
 
 namespace forgeyard {
 
