@@ -28,11 +28,7 @@ int nextOfList(lua_State* lua) {
 int each(lua_State* lua) {
   std::vector<Variant> elements;
   Script::of(lua).call(lua, [&] { elements = elementsOf(objectAt(lua, 1)); });
-  lua_createtable(lua, static_cast<int>(elements.size()), 0);
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    pushValue(lua, elements[i]);
-    lua_rawseti(lua, -2, static_cast<lua_Integer>(i + 1));
-  }
+  pushList(lua, elements);
   lua_pushinteger(lua, 0);
   lua_pushcclosure(lua, nextOfList, 2);
   return 1;
@@ -115,11 +111,7 @@ int hostPath(lua_State* lua) {
 // forgeyard.commands(): the names of what forgeyard.run() runs.
 int commands(lua_State* lua) {
   const std::vector<BString> names = sessionOf(lua).host().commands().names();
-  lua_createtable(lua, static_cast<int>(names.size()), 0);
-  for (std::size_t i = 0; i < names.size(); ++i) {
-    pushValue(lua, Variant(names[i]));
-    lua_rawseti(lua, -2, static_cast<lua_Integer>(i + 1));
-  }
+  pushList(lua, std::vector<Variant>(names.begin(), names.end()));
   return 1;
 }
 

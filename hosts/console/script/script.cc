@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 #include "hosts/console/base/failure.h"
 #include "hosts/console/script/library.h"
@@ -59,9 +60,9 @@ void Script::leave(lua_State* lua) {
   session_.output().flush();
   if (session_.output().state() == LineWriter::State::Closed) outputClosed_ = true;
   if (!callbackError_ || callbacks_ > 0) return;
-  // The message is Lua's before this function is left by way of its error.
-  lua_pushlstring(lua, callbackError_->data(), callbackError_->size());
+  const std::string message = std::move(*callbackError_);
   callbackError_.reset();
+  lua_pushlstring(lua, message.data(), message.size());
   lua_error(lua);
 }
 
@@ -133,9 +134,10 @@ int Script::run(const std::string& file, const std::vector<std::string>& argumen
   lua_pushstring(lua_, file.c_str());
   lua_rawseti(lua_, -2, 0);
   luaL_checkstack(lua_, static_cast<int>(arguments.size()) + 4, "too many arguments");
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    lua_pushlstring(lua_, arguments[i].data(), arguments[i].size());
-    lua_rawseti(lua_, -2, static_cast<lua_Integer>(i + 1));
+  lua_Integer position = 0;
+  for (const std::string& argument : arguments) {
+    lua_pushlstring(lua_, argument.data(), argument.size());
+    lua_rawseti(lua_, -2, ++position);
   }
   lua_setglobal(lua_, "arg");
   for (const std::string& argument : arguments) lua_pushlstring(lua_, argument.data(), argument.size());

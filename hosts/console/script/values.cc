@@ -136,11 +136,7 @@ int walkObject(lua_State* lua) {
   std::vector<Variant> elements;
   Script::of(lua).call(lua, [&] { elements = elementsOf(objectAt(lua, 1)); });
   lua_pushcfunction(lua, nextElement);
-  lua_createtable(lua, static_cast<int>(elements.size()), 0);
-  for (std::size_t i = 0; i < elements.size(); ++i) {
-    pushValue(lua, elements[i]);
-    lua_rawseti(lua, -2, static_cast<lua_Integer>(i + 1));
-  }
+  pushList(lua, elements);
   lua_pushinteger(lua, -1);
   return 3;
 }
@@ -235,6 +231,15 @@ void pushValue(lua_State* lua, const Variant& value) {
   pushObject(lua, object);
 }
 
+void pushList(lua_State* lua, std::span<const Variant> values) {
+  lua_createtable(lua, static_cast<int>(values.size()), 0);
+  lua_Integer position = 0;
+  for (const Variant& value : values) {
+    pushValue(lua, value);
+    lua_rawseti(lua, -2, ++position);
+  }
+}
+
 Variant valueAt(lua_State* lua, int index) {
   index = lua_absindex(lua, index);
   switch (lua_type(lua, index)) {
@@ -262,8 +267,9 @@ std::vector<Variant> valuesFrom(lua_State* lua, int first) {
 
 IUnknown* objectAt(lua_State* lua, int index) {
   auto* object = static_cast<Object*>(luaL_testudata(lua, index, kObject));
-  if (!object) luaL_error(lua, "an object is needed here, not a %s", luaL_typename(lua, index));
-  return object->get();
+  if (object) return object->get();
+  luaL_error(lua, "an object is needed here, not a %s", luaL_typename(lua, index));
+  return nullptr;
 }
 
 void pushError(lua_State* lua, HRESULT status, const char* member, const char* message) {

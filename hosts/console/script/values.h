@@ -1,6 +1,7 @@
 #pragma once
 
 #include <lua.hpp>
+#include <span>
 #include <vector>
 
 #include "platform/com/automation.h"
@@ -15,6 +16,9 @@ void openObjects(lua_State* lua);
 
 // Pushes one value; the same object is the same user data as long as the script holds it.
 void pushValue(lua_State* lua, const Variant& value);
+
+// Pushes a table with the values from 1 on.
+void pushList(lua_State* lua, std::span<const Variant> values);
 
 // Raise a Lua error for a value that has no counterpart.
 Variant valueAt(lua_State* lua, int index);
