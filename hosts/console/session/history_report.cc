@@ -1,7 +1,7 @@
 #include "hosts/console/session/history_report.h"
 
 #include <algorithm>
-#include <set>
+#include <unordered_set>
 
 #include "hosts/console/base/nearest.h"
 #include "platform/com/class_table.h"
@@ -90,7 +90,7 @@ class Report {
   Session& session_;
   const HistoryWish& wish_;
   std::vector<RegisteredClass> classes_;
-  std::set<Guid> told_;
+  std::unordered_set<Guid> told_;
 };
 
 }  // namespace
