@@ -1,17 +1,14 @@
 // A project file of any bytes: it opens or is refused with a status; what opens can be read to its end,
 // copied into a new file and committed over itself, and both then read back sound and with the same contents.
-#include <stdlib.h>
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <map>
 #include <string>
 #include <vector>
 
+#include "fuzz/scratch_directory.h"
 #include "platform/com/enumerators.h"
 #include "platform/storage/root_storage.h"
 #include "platform/storage/structured_storage.h"
@@ -19,6 +16,8 @@
 namespace {
 
 using namespace forgeyard;
+using fuzz::require;
+using fuzz::scratchDirectory;
 
 constexpr std::uint32_t kRead = STGM_READ | STGM_SHARE_EXCLUSIVE;
 constexpr std::uint32_t kChangeRoot = STGM_READWRITE | STGM_SHARE_EXCLUSIVE | STGM_TRANSACTED;
@@ -30,25 +29,6 @@ class UnsyncedCalls : public compound::FileCalls {
 };
 
 using Contents = std::map<std::u16string, std::string>;
-
-void require(bool holds) {
-  if (!holds) std::abort();
-}
-
-// A directory in memory if there is one, for as long as the process runs.
-const std::string& directory() {
-  static const struct Directory {
-    Directory() {
-      const bool memory = std::filesystem::is_directory("/dev/shm");
-      path =
-          (memory ? "/dev/shm" : std::filesystem::temp_directory_path().string()) + "/forgeyard-fuzz-XXXXXX";
-      require(mkdtemp(path.data()) != nullptr);
-    }
-    ~Directory() { std::filesystem::remove_all(path); }
-    std::string path;
-  } instance;
-  return instance.path;
-}
 
 // In pieces of growing length, so that they fall on all kinds of borders.
 std::string readAll(IStream* stream) {
@@ -162,10 +142,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   // of its FAT sectors has to go on outside of the header.
   constexpr std::size_t kUnusedByte = 34;
   constexpr std::size_t kLarge = 7'500'000;
-  const std::string file = directory() + "/in";
-  const std::string copyFile = directory() + "/copy";
-  std::ofstream(file, std::ios::binary)
-      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+  const std::string file = scratchDirectory() + "/in";
+  const std::string copyFile = scratchDirectory() + "/copy";
+  fuzz::putFile(file, data, size);
   if (size > kUnusedByte && size < kLarge && data[kUnusedByte] == 1)
     std::filesystem::resize_file(file, kLarge);
   run(file, copyFile);

@@ -1,4 +1,4 @@
-// The records of a project file as they stand there, each read for itself.
+#include "model/project_records.h"
 
 #include "engine/record_listing.h"
 #include "model/configuration.h"
@@ -153,13 +153,18 @@ LoadResult loadOnTrial(IStorage& root, const BString& path) {
 
 }  // namespace
 
+ProjectRecords readProjectRecords(IStorage& root, const BString& path) {
+  ProjectRecords records;
+  RecordsReader(root, records).read();
+  records.load = loadOnTrial(root, path);
+  return records;
+}
+
 HRESULT CProject::ReadRecords(const BString& path, ProjectRecords* out) {
   return guard([&] {
-    *out = {};
     Ref<IStorage> root;
     check(StgOpenStorage(path, kReadOnly, &root));
-    RecordsReader(*root, *out).read();
-    out->load = loadOnTrial(*root, path);
+    *out = readProjectRecords(*root, path);
   });
 }
 

@@ -1,8 +1,10 @@
 // dump: what stands in project files, the reference files among them.
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "tests/console/console_sandbox.h"
 #include "tests/console/project_builder.h"
@@ -92,6 +94,60 @@ TEST_F(Dump, TheTreeShowsElementsOfAnyCompoundFile) {
   put("text", "no compound file");
   EXPECT_THAT(refused({"dump", "text"}), HasSubstr("is not a project file"));
   EXPECT_THAT(refused({"dump", "p.nqp", "-p", "p.nqp"}), HasSubstr("-p"));
+}
+
+// With the programs installed: what two other readers of the format see, and a project that only they wrote.
+TEST_F(Dump, OtherImplementationsSeeTheSameTreeAndTheirProjectsLoad) {
+  const std::string python = "/usr/bin/python3";
+  if (run(python, {"-c", "import olefile"}).exitCode != 0 || run("gsf", {"--version"}).exitCode != 0)
+    GTEST_SKIP() << "gsf (libgsf-bin) or olefile (python3-olefile) is not installed";
+  makeProject();
+  put("source ü.c", "");
+  must({"file", "add", "source ü.c"});
+  put("walk.py", R"(
+import olefile, sys
+ole = olefile.OleFileIO(sys.argv[1], raise_defects=olefile.DEFECT_POTENTIAL)
+for path in sorted(ole.listdir(streams=True, storages=True)):
+    kind = ole.get_type(path) == olefile.STGTY_STREAM
+    print('/'.join(path), ole.get_size(path) if kind else '{' + ole.getclsid(path) + '}')
+    if kind and len(sys.argv) > 2 and len(path) == 1:
+        open(sys.argv[2] + '/' + path[0], 'wb').write(ole.openstream(path).read())
+)");
+  // The tree as our own listing has it, in their form and order.
+  std::vector<std::string> ours;
+  std::string storage;
+  for (const std::string& line : must({"dump", "--tree", "p.nqp"}).lines()) {
+    std::istringstream words(line);
+    std::string name, kind, rest;
+    words >> name >> kind >> rest;
+    if (!line.starts_with(' ')) storage = kind == "storage" ? name : "";
+    ours.push_back((line.starts_with(' ') ? storage + "/" : "") + name + " " + rest);
+  }
+  std::sort(ours.begin(), ours.end());
+  std::vector<std::string> theirs = run(python, {"walk.py", "p.nqp"}).lines();
+  std::sort(theirs.begin(), theirs.end());
+  EXPECT_EQ(theirs, ours);
+  for (const std::string& line : theirs) {
+    const std::string name = line.substr(0, line.rfind(' '));
+    const std::string size = line.substr(line.rfind(' ') + 1);
+    if (size.starts_with('{')) continue;
+    EXPECT_EQ(std::to_string(run("gsf", {"cat", "p.nqp", name}).output.size()), size) << name;
+  }
+
+  // Storages of other writers have no class, so theirs is a project without components.
+  must({"new", "plain.nqp", "--name", "Theirs"});
+  std::filesystem::create_directory(path("streams"));
+  ASSERT_EQ(run(python, {"walk.py", "plain.nqp", "streams"}).exitCode, 0);
+  ASSERT_EQ(run("gsf", {"createole", "made.nqp", "streams/Settings", "streams/Configurations",
+                        "streams/Connections"})
+                .exitCode,
+            0);
+  Json made = dumped({"made.nqp"});
+  const Json plain = dumped({"plain.nqp"});
+  for (const char* part : {"settings", "configurations", "active", "connections", "load"})
+    EXPECT_EQ(made.at(part), plain.at(part));
+  must({"-p", "made.nqp", "folder", "add", "ours"});
+  EXPECT_EQ(dumped({"made.nqp"}).at("components").at(0).at("Name"), "ours");
 }
 
 }  // namespace

@@ -1,0 +1,70 @@
+// A project file of any bytes: its records can be listed, a load brings up no more than these, and what a
+// whole load brought up is there again after a save.
+#include <cstddef>
+#include <cstdint>
+
+#include "fuzz/project_host.h"
+
+namespace {
+
+using namespace forgeyard;
+using fuzz::require;
+
+constexpr const char16_t* kFile = u"in.nqp";
+
+struct Counts {
+  std::size_t configurations = 0;
+  std::size_t components = 0;
+  std::int32_t connections = 0;
+  friend bool operator==(const Counts&, const Counts&) = default;
+};
+
+Counts countsOf(IProject& project) {
+  auto& contents = static_cast<CProject&>(project).contents();
+  Counts counts{contents.configurations.size(), contents.components.size(), 0};
+  Ref<IConnections> connections;
+  check(project.get_Connections(&connections));
+  check(connections->get_Count(&counts.connections));
+  return counts;
+}
+
+bool isWhole(const Ref<IProject>& project) {
+  return project.as<IProjectReport>()->omissions().empty();
+}
+
+void list(const Ref<IProject>& project, const BString& path) {
+  ProjectRecords records;
+  if (failed(project.as<IProjectRecords>()->ReadRecords(path, &records))) return;
+  require(records.load.configurations <= records.configurations.size());
+  require(records.load.components <= records.components.size());
+  require(records.load.connections <= records.connections.size());
+  if (records.load.leftOut.empty()) {
+    require(records.load.connections == records.connections.size());
+    require(records.load.configurations == records.configurations.size());
+  }
+}
+
+void loadAndSave() {
+  const Ref<IProject> first = fuzz::ProjectHost::project(kFile);
+  if (failed(first->ProjectLoad())) return check(first->OnClose());
+  const Counts counts = countsOf(*first);
+  const bool whole = isWhole(first);
+  require(first->ProjectSave() == S_OK && succeeded(first.as<IProjectReport>()->saveFailure()));
+  check(first->OnClose());
+
+  const Ref<IProject> second = fuzz::ProjectHost::project(kFile);
+  require(succeeded(second->ProjectLoad()));
+  if (whole) require(isWhole(second) && countsOf(*second) == counts);
+  check(second->OnClose());
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  const std::string file = fuzz::scratchDirectory() + "/in.nqp";
+  fuzz::putFile(file, data, size);
+  list(fuzz::ProjectHost::project(kFile), toModel(file).path);
+  loadAndSave();
+  std::filesystem::remove(file);
+  return 0;
+}
