@@ -4,6 +4,7 @@
 
 #include "engine/simple_collection.h"
 #include "model/configuration.h"
+#include "model/data_object.h"
 #include "model/folder.h"
 #include "model/folder_settings.h"
 #include "model/project.h"
@@ -20,6 +21,7 @@ std::span<const ClassEntry> modelClasses() {
       ClassEntry{CLSID_SourceFile, "SourceFile", createObject<CSourceFile>},
       ClassEntry{CLSID_Configuration, "Configuration", createObject<CConfiguration>},
       ClassEntry{CLSID_FolderSettings, "FolderSettings", createObject<CFolderSettings>},
+      ClassEntry{CLSID_DataObjectInMap, "DataObject", createObject<KVDataObject>},
       ClassEntry{CLSID_WorkspaceLO, "WorkspaceLO", createObject<CWorkspaceLO>},
       ClassEntry{CLSID_Connection, "Connection", createObject<CConnection>},
       ClassEntry{CLSID_SimpleCollection, "SimpleCollection", createObject<CSimpleCollection>},
