@@ -87,7 +87,7 @@ HRESULT CBuildTool::get_Building(std::int32_t* value) {
 }
 
 Ref<IProject> CBuildTool::newProject() {
-  const Ref<IProject> project = createInstance<IProject>(CLSID_Project);
+  Ref<IProject> project = createInstance<IProject>(CLSID_Project);
   const Ref<IComponentSite> sited = project.as<IComponentSite>();
   if (!sited) throw StatusError(E_FAIL);
   check(sited->SetServices(services_.get()));
