@@ -4,6 +4,7 @@
 
 #include "engine/build_commands.h"
 #include "engine/build_tool.h"
+#include "engine/command_state.h"
 #include "engine/modal_scope.h"
 
 namespace forgeyard {
@@ -11,14 +12,6 @@ namespace forgeyard {
 namespace {
 
 constexpr const char16_t* kBusyText = u"A new project may not be selected whilst a build is in progress.";
-
-std::int32_t setEnabled(IHostCommand& command, bool wanted) {
-  std::int32_t now = 0;
-  check(command.get_Enabled(&now));
-  if ((now != 0) == wanted) return 0;
-  check(command.put_Enabled(wanted ? 1 : 0));
-  return 1;
-}
 
 }  // namespace
 

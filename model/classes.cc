@@ -3,6 +3,7 @@
 #include <array>
 
 #include "engine/simple_collection.h"
+#include "model/component_objects.h"
 #include "model/configuration.h"
 #include "model/data_object.h"
 #include "model/folder.h"
@@ -23,6 +24,11 @@ std::span<const ClassEntry> modelClasses() {
       ClassEntry{CLSID_FolderSettings, "FolderSettings", createObject<CFolderSettings>},
       ClassEntry{CLSID_DataObjectInMap, "DataObject", createObject<KVDataObject>},
       ClassEntry{CLSID_WorkspaceLO, "WorkspaceLO", createObject<CWorkspaceLO>},
+      ClassEntry{CLSID_FolderLO, "FolderLO", createObject<CFolderLO>},
+      ClassEntry{CLSID_CmdLineLO, "CmdLineLO", createObject<CCmdLineLO>},
+      ClassEntry{CLSID_CcLO, "CcLO", createObject<CCcLO>},
+      ClassEntry{CLSID_AsmLO, "AsmLO", createObject<CAsmLO>},
+      ClassEntry{CLSID_LinkerLO, "LinkerLO", createObject<CLinkerLO>},
       ClassEntry{CLSID_Connection, "Connection", createObject<CConnection>},
       ClassEntry{CLSID_SimpleCollection, "SimpleCollection", createObject<CSimpleCollection>},
   };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/self_documenting.h"
 #include "model/cookie_table.h"
 #include "platform/com/object.h"
 #include "platform/storage/persist.h"
@@ -10,8 +11,8 @@ namespace forgeyard {
 
 // The object that a host keeps for a whole workspace: one stream for the layout of each project, in the
 // storage that the host gives it, and cookies. Main thread only.
-class CWorkspaceLO final
-    : public ComObject<IWorkspaceLO, IPersistStorage, IPersistStream, SupportCookies, ILoadedObject> {
+class CWorkspaceLO final : public ComObject<IWorkspaceLO, IPersistStorage, IPersistStream, SupportCookies,
+                                            ILoadedObject, SelfDocumenting> {
  public:
   // IWorkspaceLO
   HRESULT GetWorkspaceStorage(IUnknown* project, Ref<IStream>* out) override;
@@ -35,6 +36,7 @@ class CWorkspaceLO final
 
  private:
   CookieTable& cookies() override { return cookies_; }
+  const History& history() const override;
 
   Ref<IStorage> storage_;  // null outside its normal state
   CookieTable cookies_;

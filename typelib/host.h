@@ -30,7 +30,8 @@ inline constexpr Guid SID_OutputWindow = guid("0E570930-083C-11D1-A0BB-004095E01
 inline constexpr Guid SID_SourceManager = guid("08ADB803-335E-11D1-817F-00AA002676D3");
 inline constexpr Guid SID_CommandHost = guid("B2261397-0746-11D1-817F-00AA002676D3");
 inline constexpr Guid SID_WorkspaceService = guid("66AB2D10-EBD5-11D0-A0BB-004095E014E5");
-// Served by the build tool itself: the projects' way to the one tool.
+// The one build tool: its projects find it by the look-up that the tool gives them, the other objects of a
+// host's start by the host's.
 inline constexpr Guid SID_BuildTool = guid("5B2D7009-93C4-4E6F-A8D1-2F60C1B49E01");
 
 // The service's interface I, or null.

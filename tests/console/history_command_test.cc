@@ -14,6 +14,7 @@ TEST_F(HistoryCommand, WalksFromTheObjectsOfTheStartDown) {
   EXPECT_TRUE(all.starts_with("BuildTool, version 2\n  0  Class: CBuildTool\n")) << all;
   EXPECT_THAT(all, HasSubstr("\n  Project, version 6\n    0  Class: CProject\n"));
   EXPECT_THAT(all, HasSubstr("\n      SourceFile, version 0\n"));
+  EXPECT_THAT(all, HasSubstr("\nAsmLO, version 1\n  0  Class: CAsmLO\n"));
 }
 
 TEST_F(HistoryCommand, ShowsWhatIsAskedFor) {

@@ -69,6 +69,21 @@ project:ProjectClose()
 
 local again = BuildTool:InsertProject(forgeyard.modelpath("job.nqp"))
 assert(tostring(again) == "IProject job" and again ~= project)
+
+local commands = {"InsertFolder", "InsertCmdLine", "InsertCc", "InsertAsm", "InsertLinker"}
+assert(not pcall(forgeyard.run, "InsertCc"), "the active project is closed")
+BuildTool.ActiveProject = again
+names = {}
+for _, command in ipairs(commands) do
+  forgeyard.answer(command)
+  forgeyard.run(command)
+  local new = again.Components(#again.Components - 1)
+  names[#names + 1] = new.ComponentName .. " " .. tostring(new:Setting(again.ActiveConfiguration))
+end
+assert(table.concat(names, ",") == "InsertFolder IFolderSettings,InsertCmdLine ICmdLineSettings," ..
+  "InsertCc ICcSettings,InsertAsm IAsmSettings,InsertLinker ILinkerSettings", table.concat(names, ","))
+forgeyard.run("InsertCc")
+assert(#again.Components == 7, "a dialog that isn't filled in is cancelled")
 print("done", #BuildTool.Projects)
 )LUA";
 
@@ -77,7 +92,8 @@ TEST_F(ScriptCommand, MakesAProjectBuildsItAndHearsOfIt) {
   put("b.in", "b");
   const Outcome outcome = run(kWholeJob);
   EXPECT_EQ(outcome.exitCode, 0) << outcome.errors << outcome.output;
-  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(outcome.errors,
+            "forgeyard: New compiler: cancelled, since nothing was given to fill it in with.\n");
   EXPECT_TRUE(outcome.output.ends_with("Final result: OK\n-----\ndone\t2\n")) << outcome.output;
   EXPECT_EQ(toolRuns(outcome), 4);
   EXPECT_EQ(content("out/b.out"), "b");

@@ -192,8 +192,10 @@ TEST_F(ServeCommand, AnswersWhileABuildRunsAndStopsIt) {
   const int build = client.request("run", {{"command", "ProjectBuild"}});
   waitForFile("running");
   EXPECT_EQ(client.must("get", {{"object", tool}, {"member", "Building"}}), 1);
-  EXPECT_THAT(std::string(client.ask("run", {{"command", "ProjectBuild"}})["error"]["message"]),
-              HasSubstr("can't be run now"));
+  for (const char* command : {"ProjectBuild", "InsertFolder"}) {
+    EXPECT_THAT(std::string(client.ask("run", {{"command", command}})["error"]["message"]),
+                HasSubstr("can't be run now"));
+  }
   EXPECT_EQ(client.must("run", {{"command", "ProjectStopBuild"}}), nullptr);
   EXPECT_EQ(client.responseTo(build)["result"]["result"], "STOPPED");
   std::filesystem::remove(path("running"));

@@ -4,6 +4,7 @@
 
 #include "tests/plugin/class_list.h"
 #include "tests/plugin/loaded_module.h"
+#include "typelib/host.h"
 #include "typelib/type_library.h"
 
 namespace forgeyard::test {
@@ -87,7 +88,8 @@ TEST_F(LateBound, CallsOfAnyKindEndInAStatusAndLeaveNoObject) {
     {
       const Ref<IUnknown> object = module_.create(one.clsid);
       const std::vector<Ref<IDispatch>> faces = facesOf(object.get(), DualInterfaces{});
-      EXPECT_FALSE(faces.empty());
+      // Those that a host loads for their commands alone have none.
+      EXPECT_TRUE(!faces.empty() || object.as<ILoadedObject>());
       for (const Ref<IDispatch>& face : faces) callEverything(face.get());
     }
     EXPECT_EQ(module_.canUnloadNow(), S_OK) << "objects of " << one.name << " are left";

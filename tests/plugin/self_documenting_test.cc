@@ -54,7 +54,13 @@ TEST_F(SelfDocumentingClasses, TellTheirVersionNameAndRows) {
                {CLSID_Connection, "CConnection", 0, 3},
                {CLSID_SourceFile, "CSourceFile", 0, 3},
                {CLSID_Folder, "CFolder", 0, 3},
-               {CLSID_CmdLine, "CCmdLine", 0, 3}};
+               {CLSID_CmdLine, "CCmdLine", 0, 3},
+               {CLSID_WorkspaceLO, "CWorkspaceLO", 0, 3},
+               {CLSID_FolderLO, "CFolderLO", 0, 3},
+               {CLSID_CmdLineLO, "CCmdLineLO", 0, 3},
+               {CLSID_CcLO, "CCcLO", 0, 3},
+               {CLSID_AsmLO, "CAsmLO", 1, 4},
+               {CLSID_LinkerLO, "CLinkerLO", 0, 3}};
   for (const auto& row : table) {
     SCOPED_TRACE(row.name);
     const Ref<IKVSelfDocumenting> object = documented(module_, row.clsid);
@@ -109,6 +115,8 @@ TEST_F(SelfDocumentingClasses, NameTheClassesBelowThem) {
   std::vector<Guid> children;
   EXPECT_EQ(tool->Children(&children), S_OK);
   EXPECT_EQ(children, std::vector<Guid>{CLSID_Project});
+  EXPECT_EQ(documented(module_, CLSID_AsmLO)->Children(&children), S_OK);
+  EXPECT_EQ(children, std::vector<Guid>{CLSID_Asm});
   EXPECT_EQ(documented(module_, CLSID_Connection)->Children(&children), S_OK);
   EXPECT_TRUE(children.empty());
 }

@@ -19,6 +19,8 @@ class ConsoleHost final : public ComObject<IServiceLookup> {
   MainFrame& frame() const { return *frame_; }
   OutputWindow& outputWindow() const { return *output_; }
   CommandHost& commands() const { return *commands_; }
+  // What the module's objects find as the build tool. Null, which lets go of it, before the end.
+  void setBuildTool(IUnknown* tool) { tool_ = Ref<IUnknown>(tool); }
 
   HRESULT LookUp(const Guid& service, const Guid& iid, void** out) override;
 
@@ -27,6 +29,7 @@ class ConsoleHost final : public ComObject<IServiceLookup> {
   Ref<MainFrame> frame_;
   Ref<SourceManager> sources_;
   Ref<CommandHost> commands_;
+  Ref<IUnknown> tool_;
 };
 
 }  // namespace forgeyard::console

@@ -36,6 +36,7 @@ Session::Session(const Options& options)
                   " lists for a host's start is a build tool. \"forgeyard register\" enters those of " +
                   module_->path() + " anew.");
   }
+  host_->setBuildTool(tool_.get());
   if (options.verbose) complain("Module " + module_->path() + ", registry " + Registry::defaultFile() + ".");
 }
 
@@ -62,6 +63,7 @@ Session::~Session() {
 void Session::unload() {
   waitForThreads();
   tool_ = nullptr;
+  host_->setBuildTool(nullptr);
   objects_.reset();
   host_->frame().setActiveView(nullptr);
   // What threads dropped is released here.
