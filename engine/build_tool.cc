@@ -127,7 +127,7 @@ HRESULT CBuildTool::InsertProject(const BString& path, Ref<IProject>* out) {
     PathRemoveFileSpecA(directory);
     std::u16string fileName(path.view());
     PathStripPathA(fileName);
-    const Ref<IProject> project = createInstance<IProject>(CLSID_Project);
+    Ref<IProject> project = createInstance<IProject>(CLSID_Project);
     const Ref<IComponentSite> sited = project.as<IComponentSite>();
     if (!sited) throw StatusError(E_FAIL);
     check(sited->SetServices(services_.get()));

@@ -38,10 +38,8 @@ HRESULT CProjects::Delete(IProject* project) {
 
 HRESULT CProjects::New(Ref<IProject>* out) {
   *out = nullptr;
-  return guard([&] {
-    *out = tool_->newProject();
-    tool_->ReviewActiveProject();
-  });
+  // The list's change is its caller's to follow up, who mostly has something to do with the project first.
+  return guard([&] { *out = tool_->newProject(); });
 }
 
 }  // namespace forgeyard

@@ -86,7 +86,7 @@ BString CBuilderComponent::markerFor(const std::vector<BString>& inputs, const B
     if (inPlace) break;
   }
   if (!inPlace) return {};
-  const BString marker = BString::concat(BString::concat(output, u".", name()), u".trg");
+  BString marker = BString::concat(BString::concat(output, u".", name()), u".trg");
   const auto known =
       std::find_if(markers_.begin(), markers_.end(), [&](const auto& e) { return e.first == output; });
   if (known == markers_.end()) {

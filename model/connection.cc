@@ -10,7 +10,7 @@ namespace {
 Ref<IComponent> componentOf(IComponents& components, std::int32_t id) {
   Ref<IDispatch> found;
   check(components.get_Item(Variant(id), &found));
-  const Ref<IComponent> component = found.as<IComponent>();
+  Ref<IComponent> component = found.as<IComponent>();
   if (!component) throw StatusError(E_FAIL);
   return component;
 }

@@ -33,7 +33,7 @@ void removeOthers(Registry& registry, const std::string& key, const std::vector<
     if (!wanted) registry.removeValue(key, name);
   }
   for (const std::string& subkey : subkeys) {
-    const std::string below = key + "\\" + subkey;
+    const std::string below = std::string(key).append("\\").append(subkey);
     const bool wanted = std::any_of(entries.begin(), entries.end(),
                                     [&](const RegistryEntry& entry) { return isAtOrBelow(entry, below); });
     if (wanted) {

@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# ./dev lint [format|layers|tidy [PATH...]]: checks without running anything.
+# ./dev lint [format|layers|tidy [PATH...]|deep [PATH...]]: checks without running anything; the first three if not said.
 #   format  the layout of all C++ files, by .clang-format; mend it with clang-format -i
 #   layers  includes run downward
 #   tidy    clang-tidy's checks, by .clang-tidy, over all sources or those below PATHs
+#   deep    tidy with clang's static analyzer, half an hour for all sources
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 source scripts/common.sh
@@ -29,17 +30,23 @@ check_tidy() {
   scripts/tidy.py build/release "$@"
 }
 
+check_deep() {
+  heading "clang-tidy with the static analyzer"
+  configure_release
+  scripts/tidy.py --deep build/release "$@"
+}
+
 what=${1:-all}
 [ $# -eq 0 ] || shift
 case $what in
-  format | layers | tidy) "check_$what" "$@" ;;
+  format | layers | tidy | deep) "check_$what" "$@" ;;
   all)
-    # All three are run, so that one look shows all there is to mend.
+    # All are run, so that one look shows all there is to mend.
     status=0
     for check in format layers tidy; do
       scripts/lint.sh "$check" || status=1
     done
     exit "$status"
     ;;
-  *) die "'$what' is none of format, layers, tidy." ;;
+  *) die "'$what' is none of format, layers, tidy, deep." ;;
 esac

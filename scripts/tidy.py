@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""tidy.py BUILD_DIRECTORY [PATH...]: runs clang-tidy over the project's sources, or over those below PATHs.
+"""tidy.py [--deep] BUILD_DIRECTORY [PATH...]: runs clang-tidy over the project's sources, or over those below PATHs;
+with --deep its static analyzer too.
 
 Parsing the standard library costs far more than checking a file of ours, so the files of a folder are checked
 several at a time, as one; where that finds anything, or the files don't go together, each is checked by itself, and
@@ -19,8 +20,10 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 BATCH = 8
-# Functions of included files get the deep analysis too, not only those of the file that includes them.
-ANALYSE_INCLUDED = ["--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"]
+DEEP = "--deep" in sys.argv[1:]
+DEEP_CHECKS = ["--checks=clang-analyzer-*"] if DEEP else []
+# Functions of included files are analysed too, not only those of the file that includes them.
+ANALYSE_INCLUDED = ["--extra-arg=-Xclang", "--extra-arg=-analyzer-opt-analyze-headers"] if DEEP else []
 
 
 @cache
@@ -31,7 +34,7 @@ def digest(path):
 @cache
 def checker():
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, text=True, check=True).stdout
-    return version + digest(ROOT / ".clang-tidy") + digest(Path(__file__))
+    return version + digest(ROOT / ".clang-tidy") + digest(Path(__file__)) + " ".join(DEEP_CHECKS)
 
 
 class Source:
@@ -73,7 +76,7 @@ class Source:
 
 
 def tidy(source_path, flags, directory, *options):
-    done = subprocess.run(["clang-tidy", "--quiet", *options, source_path, "--", *flags], cwd=directory,
+    done = subprocess.run(["clang-tidy", "--quiet", *DEEP_CHECKS, *options, source_path, "--", *flags], cwd=directory,
                           capture_output=True, text=True)
     return done.returncode == 0 and "warning:" not in done.stdout, done.stdout + done.stderr
 
@@ -125,7 +128,7 @@ def batches_of(sources):
 
 
 def main():
-    build, wanted = sys.argv[1], sys.argv[2:]
+    build, *wanted = [word for word in sys.argv[1:] if word != "--deep"]
     default = Path(os.environ.get("XDG_CACHE_HOME") or Path.home() / ".cache") / "forgeyard-tidy"
     passed = Path(os.environ.get("TIDY_CACHE") or default)
     passed.mkdir(parents=True, exist_ok=True)

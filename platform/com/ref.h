@@ -30,7 +30,7 @@ class Ref {
   ~Ref() {
     if (object_) object_->Release();
   }
-  Ref& operator=(const Ref& other) noexcept {
+  Ref& operator=(const Ref& other) noexcept {  // NOLINT(bugprone-unhandled-self-assignment): by a copy
     Ref copy(other);
     std::swap(object_, copy.object_);
     return *this;

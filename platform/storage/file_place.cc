@@ -66,7 +66,7 @@ FilePlace FilePlace::resolve(FileCalls& calls, const std::string& path) {
 
 std::string FilePlace::savingName() const {
   constexpr std::string_view kSuffix = ".saving";
-  const std::string plain = "." + name_ + std::string(kSuffix);
+  std::string plain = "." + name_ + std::string(kSuffix);
   if (plain.size() <= NAME_MAX) return plain;
   return "." + name_.substr(0, NAME_MAX / 2) + hexadecimal(std::hash<std::string>{}(name_)) +
          std::string(kSuffix);

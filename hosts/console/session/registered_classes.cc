@@ -20,7 +20,7 @@ std::vector<RegisteredClass> classesWhere(const Registry& registry, Wanted&& wan
   if (!all) return classes;
   for (const std::string& name : all->subkeys()) {
     const auto clsid = parseGuid(name);
-    const std::string key = kClasses + "\\" + name;
+    const std::string key = std::string(kClasses).append("\\").append(name);
     if (!clsid || !wanted(key)) continue;
     classes.push_back({*clsid, registry.value(key + "\\VersionIndependentProgID", "").value_or(""),
                        registry.value(key + "\\InprocServer32", "").value_or("")});
