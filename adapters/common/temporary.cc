@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <errno.h>
-#include <fcntl.h>
 #include <stdlib.h>
 #include <unistd.h>
 
@@ -10,27 +9,13 @@
 
 namespace forgeyard {
 
-namespace {
-
-std::string parentDirectory() {
+TemporaryDirectory::TemporaryDirectory(std::string_view program) {
   const char* const chosen = ::getenv("TMPDIR");
-  return chosen && *chosen ? chosen : "/tmp";
-}
-
-std::string nameTemplate(std::string_view program) {
-  return parentDirectory() + "/" + std::string(program) + "-XXXXXX";
-}
-
-[[noreturn]] void fail(const char* what) {
-  const int error = errno;
-  throw std::system_error(error, std::generic_category(),
-                          "cannot make a temporary " + std::string(what) + " in " + parentDirectory());
-}
-
-}  // namespace
-
-TemporaryDirectory::TemporaryDirectory(std::string_view program) : path_(nameTemplate(program)) {
-  if (!::mkdtemp(path_.data())) fail("directory");
+  const std::string parent = chosen && *chosen ? chosen : "/tmp";
+  path_ = parent + "/" + std::string(program) + "-XXXXXX";
+  if (!::mkdtemp(path_.data())) {
+    throw std::system_error(errno, std::generic_category(), "cannot make a temporary directory in " + parent);
+  }
 }
 
 TemporaryDirectory::~TemporaryDirectory() {
@@ -40,16 +25,6 @@ TemporaryDirectory::~TemporaryDirectory() {
     ::closedir(entries);
   }
   ::rmdir(path_.c_str());
-}
-
-TemporaryFile::TemporaryFile(std::string_view program) : path_(nameTemplate(program)) {
-  const int file = ::mkostemp(path_.data(), O_CLOEXEC);
-  if (file < 0) fail("file");
-  ::close(file);
-}
-
-TemporaryFile::~TemporaryFile() {
-  ::unlink(path_.c_str());
 }
 
 }  // namespace forgeyard

@@ -21,19 +21,4 @@ class TemporaryDirectory {
   std::string path_;
 };
 
-// An empty file of its own below TMPDIR, which others can neither read nor replace; gone when this object goes.
-class TemporaryFile {
- public:
-  // Throws std::system_error that names the directory and the reason.
-  explicit TemporaryFile(std::string_view program);
-  ~TemporaryFile();
-  TemporaryFile(const TemporaryFile&) = delete;
-  TemporaryFile& operator=(const TemporaryFile&) = delete;
-
-  const std::string& path() const noexcept { return path_; }
-
- private:
-  std::string path_;
-};
-
 }  // namespace forgeyard

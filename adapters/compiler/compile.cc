@@ -63,11 +63,11 @@ int report(const ChildResult& result, const Diagnostics& diagnostics) {
 int compileWithDependencies(CompilerCommand command, const std::string& file, HostSpelling& spelling,
                             const Diagnostics& diagnostics) {
   const StopSignals signals;
-  std::optional<TemporaryFile> temporary;
+  const TemporaryDirectory temporary(diagnostics.program());
   ::unlink(file.c_str());
   std::string list = command.dependencyOutput;
   if (list.empty()) {
-    list = temporary.emplace(diagnostics.program()).path();
+    list = temporary.file("list.d");
     command.arguments.insert(command.arguments.end(), {"-MF", list});
   }
   if (!command.namesTarget) command.arguments.insert(command.arguments.end(), {"-MT", "x"});
