@@ -277,7 +277,7 @@ void CBuilderComponent::cleanOutputs() {
 void CBuilderComponent::prepareTimes() {
   const BString directory = workingDirectory();
   if (times_.workingDirectory() != directory) times_ = DependencyTimes(directory);
-  if (task_ != E_TASK_BUILD) return;
+  if (needsBuildBefore()) return;  // whatever the times are
   times_.prefetch(inputFiles_.list());
   fileTimes().prefetch(outputFiles_.list());
 }

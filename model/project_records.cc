@@ -62,15 +62,7 @@ class RecordsReader {
   void readSettings() {
     listing_.stream(root_, kSettingsStream, [&](IStream& stream) {
       RecordReader reader(&stream);
-      const std::uint32_t version = reader.peekU32();
-      const SettingsBlock block = SettingsBlock::load(reader);
-      records_.settings = {version,
-                           block.name,
-                           block.fileName,
-                           block.ssRoot,
-                           block.nextComponentId,
-                           block.ssDatabasePath,
-                           block.ssVersion};
+      records_.settings = SettingsBlock::load(reader);
     });
   }
 

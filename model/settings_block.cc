@@ -4,7 +4,7 @@ namespace forgeyard {
 
 SettingsBlock SettingsBlock::load(RecordReader& record) {
   SettingsBlock block;
-  record.u32();  // version
+  block.version = record.u32();
   block.name = record.listedString();
   block.fileName = record.listedString();
   block.ssRoot = record.listedString();

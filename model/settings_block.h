@@ -1,18 +1,12 @@
 #pragma once
 
 #include "platform/storage/records.h"
+#include "typelib/records.h"
 
 namespace forgeyard {
 
 // What the project file and the workspace both store about a project.
-struct SettingsBlock {
-  BString name;
-  BString fileName;
-  BString ssRoot;
-  std::int32_t nextComponentId = 0;
-  BString ssDatabasePath;
-  std::int32_t ssVersion = 0;
-
+struct SettingsBlock : StoredProjectSettings {
   // Throw StatusError.
   static SettingsBlock load(RecordReader& record);
   void save(RecordWriter& record) const;

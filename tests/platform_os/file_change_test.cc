@@ -72,6 +72,12 @@ void makeOld(const std::string& file) {
   ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, AT_SYMLINK_NOFOLLOW), 0) << file;
 }
 
+// Another file, with the directory that it lies in.
+void putNew(const std::string& file) {
+  fs::create_directories(fs::path(file).parent_path());
+  writeFile(file, "new");
+}
+
 void append(const std::string& file) {
   std::ofstream(file, std::ios::app) << "more";
 }
@@ -234,42 +240,22 @@ INSTANTIATE_TEST_SUITE_P(OfTheFile, FileChangeTable, testing::ValuesIn(fileChang
 
 // The way to the file: these void everything.
 const Change wayChanges[] = {
-    {"DirectoryReplaced",
-     [](const std::string& r) {
-       fs::create_directory(r + "/p/new");
-       writeFile(r + "/p/new/a.h", "new");
-     },
-     "p/q/a.h", true,
+    {"DirectoryReplaced", [](const std::string& r) { putNew(r + "/p/new/a.h"); }, "p/q/a.h", true,
      [](const std::string& r) {
        fs::rename(r + "/p/q", r + "/p/old");
        fs::rename(r + "/p/new", r + "/p/q");
      }},
-    {"GrandparentReplaced",
-     [](const std::string& r) {
-       fs::create_directories(r + "/new/q");
-       writeFile(r + "/new/q/a.h", "new");
-     },
-     "p/q/a.h", true,
+    {"GrandparentReplaced", [](const std::string& r) { putNew(r + "/new/q/a.h"); }, "p/q/a.h", true,
      [](const std::string& r) {
        fs::rename(r + "/p", r + "/old");
        fs::rename(r + "/new", r + "/p");
      }},
-    {"GrandparentExchanged",
-     [](const std::string& r) {
-       fs::create_directories(r + "/new/q");
-       writeFile(r + "/new/q/a.h", "new");
-     },
-     "p/q/a.h", true,
+    {"GrandparentExchanged", [](const std::string& r) { putNew(r + "/new/q/a.h"); }, "p/q/a.h", true,
      [](const std::string& r) {
        require(::renameat2(AT_FDCWD, (r + "/new").c_str(), AT_FDCWD, (r + "/p").c_str(), RENAME_EXCHANGE) ==
                0);
      }},
-    {"DirectoryBecomesALink",
-     [](const std::string& r) {
-       fs::create_directory(r + "/p/new");
-       writeFile(r + "/p/new/a.h", "new");
-     },
-     "p/q/a.h", true,
+    {"DirectoryBecomesALink", [](const std::string& r) { putNew(r + "/p/new/a.h"); }, "p/q/a.h", true,
      [](const std::string& r) {
        fs::rename(r + "/p/q", r + "/p/old");
        fs::create_symlink("new", r + "/p/q");
@@ -277,8 +263,7 @@ const Change wayChanges[] = {
     {"LinkedDirectoryRetargeted",
      [](const std::string& r) {
        fs::create_symlink("p/q", r + "/link");
-       fs::create_directory(r + "/new");
-       writeFile(r + "/new/a.h", "new");
+       putNew(r + "/new/a.h");
      },
      "link/a.h", true,
      [](const std::string& r) {
@@ -289,8 +274,7 @@ const Change wayChanges[] = {
      [](const std::string& r) {
        fs::create_symlink(r + "/p/q", r + "/second");
        fs::create_symlink("p/../second/.", r + "/link");
-       fs::create_directory(r + "/new");
-       writeFile(r + "/new/a.h", "new");
+       putNew(r + "/new/a.h");
      },
      "link/a.h", true,
      [](const std::string& r) {
@@ -300,8 +284,7 @@ const Change wayChanges[] = {
     {"TargetOfALinkedDirectoryReplaced",
      [](const std::string& r) {
        fs::create_symlink("p/q", r + "/link");
-       fs::create_directory(r + "/new");
-       writeFile(r + "/new/a.h", "new");
+       putNew(r + "/new/a.h");
      },
      "link/a.h", true,
      [](const std::string& r) {

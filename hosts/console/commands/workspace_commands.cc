@@ -42,8 +42,7 @@ ExitCode add(const Invocation& invocation) {
   Session session(invocation.options());
   Workspace workspace(session);
   for (const Ref<IProject>& project : workspace.projects()) {
-    std::error_code error;
-    if (fs::equivalent(fileOf(*project).host, file.host, error))
+    if (isFile(*project, file.host))
       throw Failure(file.host + " is in the workspace already: " + nameOf(*project) + ".");
   }
   OpenProject::insert(session, file);

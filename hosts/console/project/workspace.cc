@@ -15,8 +15,6 @@ namespace forgeyard::console {
 
 namespace {
 
-namespace fs = std::filesystem;
-
 // The names of the objects' storages in a workspace.
 constexpr const char16_t* kToolStorage = u"BuildTool";
 constexpr const char16_t* kWorkspaceStorage = u"Workspace";
@@ -25,12 +23,6 @@ ProjectFile projectFileOf(const BString& directory, const BString& name) {
   ProjectFile file{"", directory, name};
   file.host = spelledHost(file.path()).value_or(file.path().narrow());
   return file;
-}
-
-bool isFile(IProject& project, const std::string& path) {
-  std::error_code error;
-  const std::string host = fileOf(project).host;
-  return host == path || fs::equivalent(host, path, error);
 }
 
 }  // namespace
@@ -47,6 +39,12 @@ ProjectFile fileOf(IProject& project) {
   check(project.get_WorkingDirectory(&directory));
   check(project.get_FileName(&name));
   return projectFileOf(directory, name);
+}
+
+bool isFile(IProject& project, const std::string& path) {
+  std::error_code error;
+  const std::string host = fileOf(project).host;
+  return host == path || std::filesystem::equivalent(host, path, error);
 }
 
 bool isLoaded(IProject& project) {

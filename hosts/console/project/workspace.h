@@ -52,6 +52,8 @@ class Workspace {
 
 std::string nameOf(IProject& project);
 ProjectFile fileOf(IProject& project);
+// Whether it is the project of that file, by whatever path.
+bool isFile(IProject& project, const std::string& path);
 bool isLoaded(IProject& project);
 
 }  // namespace forgeyard::console
