@@ -2,14 +2,18 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <chrono>
 #include <functional>
-#include <iostream>
 #include <map>
+#include <nlohmann/json.hpp>
 #include <set>
+#include <sstream>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/all_commands.h"
+#include "hosts/console/services/json_lines.h"
+#include "hosts/console/services/standard_output.h"
 
 namespace forgeyard::console {
 
@@ -97,7 +101,8 @@ class CommandLine {
   void parse(std::vector<std::string> arguments);
   // What a command that takes the rest of the line gets.
   void setRest(std::vector<std::string> rest) { rest_ = std::move(rest); }
-  int report(const CLI::ParseError& error) { return app_.exit(error); }
+  // Help or version, as asked for.
+  std::string text(const CLI::Success& wish) const;
   // What was asked for.
   const Command& command() const { return *chosen_->command; }
   Invocation invocation(const Options& options) const;
@@ -149,6 +154,8 @@ void CommandLine::addGlobalOptions(Options& options) {
   app_.add_flag("-q,--quiet", options.quiet,
                 "Show only errors; of a build what the tools print and what fails");
   app_.add_flag("-v,--verbose", options.verbose, "Say more about what is going on");
+  app_.add_flag("--json", options.json,
+                "Write standard output as one JSON object a line, messages included: see docs/output.md");
 }
 
 CLI::App& CommandLine::parentFor(const Command& command) {
@@ -193,6 +200,12 @@ void CommandLine::parse(std::vector<std::string> arguments) {
   for (const Leaf& leaf : leaves_) {
     if (leaf.app->parsed()) chosen_ = &leaf;
   }
+}
+
+std::string CommandLine::text(const CLI::Success& wish) const {
+  std::ostringstream out;
+  static_cast<void>(app_.exit(wish, out, out));
+  return out.str();
 }
 
 Invocation CommandLine::invocation(const Options& options) const {
@@ -243,41 +256,46 @@ std::string wrongCommand(const std::vector<std::string>& arguments) {
   return "There is no command " + given[0] + " " + given[1] + "." + suggestion(given[1], seconds, "commands");
 }
 
-// For help and version, which the parser writes.
-int shown(int exitCode) {
-  std::cout.flush();
-  if (std::cout) return exitCode;
-  complain("Standard output can't be written.");
-  return static_cast<int>(ExitCode::Failure);
+ExitCode show(const std::string& text) {
+  LineWriter& out = standardOutput();
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) out.line(line);
+  return finishOutput(out, ExitCode::Success);
 }
 
-int usageError(const std::vector<std::string>& arguments, const CLI::ParseError& error) {
+ExitCode usageError(const std::vector<std::string>& arguments, const CLI::ParseError& error) {
   std::string message = wrongCommand(arguments);
   const bool nothingAsked = words(arguments).empty() && dynamic_cast<const CLI::RequiredError*>(&error);
   if (nothingAsked) message = "What is to be done? forgeyard --help shows the commands.";
   if (message.empty()) message = std::string(error.what()) + ". Try the same with --help.";
-  complain(message);
-  return static_cast<int>(ExitCode::Failure);
+  complainOfFailure(message);
+  return ExitCode::Failure;
 }
 
 ExitCode runGuarded(const Command& command, const Invocation& invocation) {
   try {
     return command.run(invocation);
   } catch (const Failure& failure) {
-    complain(failure.what());
+    complainOfFailure(failure.what());
   } catch (const StatusError& error) {
-    complain("The module refused: " + describe(error.status()) + ".");
+    complainOfFailure("The module refused: " + describe(error.status()) + ".");
   } catch (const std::exception& error) {
-    complain(error.what());
+    complainOfFailure(error.what());
   }
   return ExitCode::Failure;
 }
 
 }  // namespace
 
-int runCommandLine(int argc, char** argv) {
-  std::vector<std::string> typed(argv + 1, argv + argc);
-  std::vector<std::string> rest = cutRest(typed);
+namespace {
+
+// Also where the line as a whole can't be parsed.
+bool asksForJson(const std::vector<std::string>& arguments) {
+  const auto end = std::find(arguments.begin(), arguments.end(), "--");
+  return std::find(arguments.begin(), end, "--json") != end;
+}
+
+ExitCode run(const std::vector<std::string>& typed, std::vector<std::string> rest) {
   const std::vector<std::string> arguments = guardedArguments(typed);
   Options options;
   CommandLine line(options);
@@ -285,14 +303,38 @@ int runCommandLine(int argc, char** argv) {
   try {
     line.parse(arguments);
   } catch (const CLI::Success& wish) {
-    return shown(line.report(wish));
+    return show(line.text(wish));
   } catch (const CLI::ParseError& error) {
     return usageError(arguments, error);
   }
   options.project = unguarded(options.project);
   options.workspace = unguarded(options.workspace);
   options.configuration = unguarded(options.configuration);
-  return static_cast<int>(runGuarded(line.command(), line.invocation(options)));
+  return runGuarded(line.command(), line.invocation(options));
+}
+
+// The last line of --json.
+ExitCode tellResult(ExitCode code, std::chrono::milliseconds elapsed) {
+  LineWriter& out = standardOutput();
+  if (out.state() != LineWriter::State::Open) return code;
+  writeObject(out, "result", {{"exit_code", static_cast<int>(code)}, {"elapsed_ms", elapsed.count()}});
+  return finishOutput(out, code);
+}
+
+}  // namespace
+
+int runCommandLine(int argc, char** argv) {
+  const auto begin = std::chrono::steady_clock::now();
+  std::vector<std::string> typed(argv + 1, argv + argc);
+  std::vector<std::string> rest = cutRest(typed);
+  const bool json = asksForJson(typed);
+  if (json) speakJson();
+  ExitCode code = run(typed, std::move(rest));
+  if (json) {
+    const auto elapsed = std::chrono::steady_clock::now() - begin;
+    code = tellResult(code, std::chrono::duration_cast<std::chrono::milliseconds>(elapsed));
+  }
+  return static_cast<int>(code);
 }
 
 }  // namespace forgeyard::console

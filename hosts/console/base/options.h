@@ -12,6 +12,7 @@ struct Options {
   bool yes = false;           // answers questions with yes
   bool quiet = false;
   bool verbose = false;
+  bool json = false;  // standard output is JSON lines: services/json_lines.h
 };
 
 }  // namespace forgeyard::console

@@ -5,8 +5,11 @@
 
 namespace forgeyard::console {
 
-void complain(std::string_view message, LineEnd end) {
-  while (message.ends_with('\n')) message.remove_suffix(1);
+namespace {
+
+Reporter currentReporter = nullptr;
+
+void toStandardError(std::string_view message, LineEnd end) {
   std::string text = "forgeyard: ";
   for (const char c : message) {
     text += c;
@@ -15,6 +18,26 @@ void complain(std::string_view message, LineEnd end) {
   if (end == LineEnd::Closed) text += '\n';
   // In one piece, so that messages of several processes don't mix.
   std::fwrite(text.data(), 1, text.size(), stderr);
+}
+
+void report(ReportKind kind, std::string_view message, LineEnd end) {
+  while (message.ends_with('\n')) message.remove_suffix(1);
+  if (end == LineEnd::Open || !currentReporter || !currentReporter(kind, message))
+    toStandardError(message, end);
+}
+
+}  // namespace
+
+void complain(std::string_view message, LineEnd end) {
+  report(ReportKind::Message, message, end);
+}
+
+void complainOfFailure(std::string_view message) {
+  report(ReportKind::Error, message, LineEnd::Closed);
+}
+
+void setReporter(Reporter reporter) {
+  currentReporter = reporter;
 }
 
 }  // namespace forgeyard::console

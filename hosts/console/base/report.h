@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string_view>
 
 namespace forgeyard::console {
@@ -8,5 +9,14 @@ enum class LineEnd { Closed, Open };
 
 // One message to the user on standard error, behind the program's name; further lines of it are indented.
 void complain(std::string_view message, LineEnd end = LineEnd::Closed);
+// The same for what ends the command.
+void complainOfFailure(std::string_view message);
+
+enum class ReportKind : std::uint8_t { Message, Error };
+
+// Is asked first with each whole message, until the next call; null ends that. Answers false for one that has
+// to go to standard error after all.
+using Reporter = bool (*)(ReportKind kind, std::string_view message);
+void setReporter(Reporter reporter);
 
 }  // namespace forgeyard::console

@@ -1,13 +1,12 @@
 // typelib, script, serve: what scripts and other programs can reach, and how.
 
-#include <unistd.h>
-
 #include "hosts/console/automation/idl.h"
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/script/script.h"
 #include "hosts/console/serve/server.h"
+#include "hosts/console/services/standard_output.h"
 #include "typelib/type_library.h"
 
 namespace forgeyard::console {
@@ -27,7 +26,7 @@ std::vector<std::string> linesOf(const std::string& name) {
 }
 
 ExitCode showTypeLibrary(const Invocation& invocation) {
-  LineWriter out(STDOUT_FILENO);
+  LineWriter& out = standardOutput();
   for (const std::string& line : linesOf(invocation.text("INTERFACE"))) out.line(line);
   return finishOutput(out, ExitCode::Success);
 }
@@ -44,6 +43,8 @@ ExitCode runScript(const Invocation& invocation) {
 ExitCode serve(const Invocation& invocation) {
   if (!invocation.has("--stdio"))
     throw Failure("How is the client to be reached? forgeyard serve --stdio uses standard input and output.");
+  if (invocation.options().json)
+    throw Failure("serve --stdio speaks JSON-RPC on standard output; --json has no place there.");
   Session session(invocation.options());
   std::optional<OpenProject> project;
   if (!invocation.options().project.empty()) project.emplace(session);

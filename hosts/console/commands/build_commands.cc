@@ -1,11 +1,10 @@
 // build, rebuild, clean, compile and stop.
 
-#include <unistd.h>
-
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/source_files.h"
+#include "hosts/console/services/standard_output.h"
 #include "platform/threads/named_event.h"
 
 namespace forgeyard::console {
@@ -65,7 +64,7 @@ ExitCode compile(const Invocation& invocation) {
 }
 
 ExitCode stop(const Invocation& invocation) {
-  LineWriter out(STDOUT_FILENO);
+  LineWriter& out = standardOutput();
   if (const auto event = NamedEvent::open(STOP_EVENT)) {
     event->set();
   } else if (!invocation.options().quiet) {

@@ -1,12 +1,14 @@
 // dump: what stands in a project file.
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/components.h"
 #include "hosts/console/project/records_json.h"
 #include "hosts/console/project/workspace.h"
+#include "hosts/console/services/json_lines.h"
 #include "platform/com/class_table.h"
 #include "typelib/classes.h"
 
@@ -50,7 +52,12 @@ ExitCode showTree(Session& session, const ProjectFile& file, const ProjectRecord
 }
 
 ExitCode showRecords(Session& session, const ProjectFile& file, const ProjectRecords& records) {
-  session.output().line(recordsAsJson(std::filesystem::path(file.host).filename().string(), records));
+  const std::string json = recordsAsJson(std::filesystem::path(file.host).filename().string(), records);
+  if (session.options().json) {
+    writeObject(session.output(), "dump", {{"records", nlohmann::ordered_json::parse(json)}});
+  } else {
+    session.output().line(json);
+  }
   if (!records.leftOut.empty() || !records.elementsLeftOut.empty()) {
     complain(file.host + " is damaged; \"left_out\" says what is missing and why.");
   } else if (!records.load.leftOut.empty()) {

@@ -1,11 +1,10 @@
 // register, unregister and history: the module itself.
 
-#include <unistd.h>
-
 #include <charconv>
 #include <limits>
 
 #include "hosts/console/commands/command.h"
+#include "hosts/console/services/standard_output.h"
 #include "hosts/console/session/history_report.h"
 
 namespace forgeyard::console {
@@ -17,7 +16,7 @@ using Kind = Parameter::Kind;
 // Neither starts a session, which would enter missing classes by itself.
 ExitCode change(const Invocation& invocation, HRESULT (Module::*operation)() const, const std::string& done,
                 const std::string& failure) {
-  LineWriter out(STDOUT_FILENO);
+  LineWriter& out = standardOutput();
   const Module module(openRegistry());
   require((module.*operation)(), failure + " in the registry " + Registry::defaultFile());
   if (!invocation.options().quiet) out.line(module.path() + done + Registry::defaultFile());

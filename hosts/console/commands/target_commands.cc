@@ -1,14 +1,12 @@
 // target list, add, remove and detect: the tool chains of the registry.
 
-#include <unistd.h>
-
 #include <algorithm>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/program_paths.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/services/line_writer.h"
+#include "hosts/console/services/standard_output.h"
 #include "hosts/console/session/first_start.h"
 #include "hosts/console/session/session.h"
 #include "hosts/console/session/targets.h"
@@ -54,7 +52,7 @@ ExitCode listTargets(const Invocation&) {
         "There are no targets. forgeyard target detect looks for compilers along PATH, target add enters "
         "one.");
   }
-  LineWriter out(STDOUT_FILENO);
+  LineWriter& out = standardOutput();
   for (const Target& target : targets) {
     out.line(target.name);
     out.line("  compiler:  " + described(target.compiler, adapters));
@@ -103,7 +101,7 @@ ExitCode detect(const Invocation&) {
   const std::vector<std::string> before = namesOf(registeredTargets(preparedRegistry()));
   const std::vector<Target> found = detectTargets();
   const std::string linker = detectLinker();
-  LineWriter out(STDOUT_FILENO);
+  LineWriter& out = standardOutput();
   change([&](Registry& registry) {
     for (const Target& target : found) {
       const bool known = std::find(before.begin(), before.end(), target.name) != before.end();

@@ -3,7 +3,8 @@
 namespace forgeyard::console {
 
 ConsoleHost::ConsoleHost(LineWriter& output, const Options& options)
-    : output_(make<OutputWindow>(output, options.quiet)),
+    : output_(make<OutputWindow>(output, options.quiet,
+                                 options.json ? OutputWindow::Form::Json : OutputWindow::Form::Text)),
       frame_(make<MainFrame>(options)),
       sources_(make<SourceManager>()),
       commands_(make<CommandHost>()) {}

@@ -102,6 +102,7 @@ void LineWriter::finish(char* end) {
 
 void LineWriter::line(std::u16string_view text) {
   if (state_ != State::Open) return;
+  if (encoder_) return line(narrowFromWide(text));
   char* out = reserve(text.size() + 1);
   if (!narrowAscii(text, out)) return line(narrowFromWide(text));
   finishLine(out + text.size());
@@ -109,6 +110,10 @@ void LineWriter::line(std::u16string_view text) {
 
 void LineWriter::line(std::string_view text) {
   if (state_ != State::Open) return;
+  append(encoder_ ? std::string_view(encoder_(text)) : text);
+}
+
+void LineWriter::append(std::string_view text) {
   char* out = reserve(text.size() + 1);
   if (!text.empty()) std::memcpy(out, text.data(), text.size());
   finishLine(out + text.size());

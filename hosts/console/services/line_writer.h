@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "hosts/console/base/failure.h"
@@ -29,6 +30,10 @@ class LineWriter {
   LineWriter& operator=(const LineWriter&) = delete;
   ~LineWriter();
 
+  // What a line becomes on its way out, until the next call; null for the line itself.
+  using Encoder = std::string (*)(std::string_view line);
+  void setEncoder(Encoder encoder) { encoder_ = encoder; }
+
   // Appends the text and a line feed.
   void line(std::u16string_view text);
   void line(std::string_view text);
@@ -50,6 +55,7 @@ class LineWriter {
   using Clock = std::chrono::steady_clock;
 
   char* reserve(std::size_t bytes);
+  void append(std::string_view line);
   void finishLine(char* end);
   void finish(char* end);
   bool waitUntilWritable();
@@ -57,6 +63,7 @@ class LineWriter {
   void drop(State state, int error = 0);
 
   int descriptor_;
+  Encoder encoder_ = nullptr;
   bool terminal_;
   bool mayBlock_;  // a pipe, socket or terminal
   std::size_t capacity_;

@@ -1,6 +1,9 @@
 #include "hosts/console/services/output_window.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
+
+#include "hosts/console/services/json_lines.h"
 
 namespace forgeyard::console {
 
@@ -25,11 +28,17 @@ HRESULT OutputWindow::AddLine(const BString& tab, const BString& text) {
     if (listener_) {
       listener_(tab, text);
     } else if (quiet_) {
-      addQuietly(text);
+      addQuietly(tab, text);
     } else {
-      writer_->line(text.view());
+      write(tab, text);
     }
   });
+}
+
+void OutputWindow::write(const BString& tab, const BString& text) {
+  if (form_ == Form::Json)
+    return writeObject(*writer_, "line", {{"tab", tab.narrow()}, {"text", text.narrow()}});
+  writer_->line(text.view());
 }
 
 HRESULT OutputWindow::ClearTab(const BString&) {
@@ -37,12 +46,12 @@ HRESULT OutputWindow::ClearTab(const BString&) {
   return S_OK;
 }
 
-void OutputWindow::addQuietly(const BString& text) {
+void OutputWindow::addQuietly(const BString& tab, const BString& text) {
   switch (filter_.judge(text)) {
     case QuietFilter::Verdict::Show:
-      if (!held_.isNull()) writer_->line(held_.view());
+      if (!held_.isNull()) write(tab, held_);
       held_ = {};
-      writer_->line(text.view());
+      write(tab, text);
       break;
     case QuietFilter::Verdict::Hold:
       held_ = text;

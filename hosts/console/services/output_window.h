@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <utility>
@@ -16,7 +17,9 @@ namespace forgeyard::console {
 // place. Borrows the writer. Main thread only.
 class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
  public:
-  OutputWindow(LineWriter& writer, bool quiet) : writer_(&writer), quiet_(quiet) {}
+  enum class Form : std::uint8_t { Text, Json };
+  OutputWindow(LineWriter& writer, bool quiet, Form form = Form::Text)
+      : writer_(&writer), quiet_(quiet), form_(form) {}
 
   // Gets the lines in place of the writer, until the next call; null ends that.
   void setListener(std::function<void(const BString& tab, const BString& text)> listener) {
@@ -33,11 +36,13 @@ class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
 
  private:
   bool hasTab(const BString& tab) const;
-  void addQuietly(const BString& text);
+  void addQuietly(const BString& tab, const BString& text);
+  void write(const BString& tab, const BString& text);
 
   LineWriter* writer_;
   std::function<void(const BString& tab, const BString& text)> listener_;
   bool quiet_;
+  Form form_;
   QuietFilter filter_;
   BString held_;  // a command that is shown only if something follows; null: none
   std::vector<BString> tabs_;

@@ -1,7 +1,5 @@
 #include "hosts/console/session/session.h"
 
-#include <unistd.h>
-
 #include <memory>
 #include <thread>
 #include <utility>
@@ -20,14 +18,13 @@ Registry openRegistry() {
   return registry;
 }
 
-Session::Session(const Options& options)
-    : options_(options), registry_(openRegistry()), output_(STDOUT_FILENO) {
-  auto loop = std::make_unique<ConsoleLoop>(output_);
+Session::Session(const Options& options) : options_(options), registry_(openRegistry()) {
+  auto loop = std::make_unique<ConsoleLoop>(output());
   loop_ = loop.get();
   apartment_.emplace(std::move(loop));
   module_.emplace(registry_);
   prepareRegistry(registry_, *module_);
-  host_ = make<ConsoleHost>(output_, options_);
+  host_ = make<ConsoleHost>(output(), options_);
   objects_.emplace(registry_, host_.get(), host_->commands());
   tool_ = objects_->find<IBuildTool>();
   if (!tool_) {
@@ -41,7 +38,7 @@ Session::Session(const Options& options)
 }
 
 const Waitable* Session::setInterrupt(const Waitable* interrupt) {
-  output_.setInterrupt(interrupt);
+  output().setInterrupt(interrupt);
   return std::exchange(interrupt_, interrupt);
 }
 
@@ -74,7 +71,7 @@ void Session::unload() {
   module_.reset();
   host_ = nullptr;
   apartment_.reset();
-  output_.flush();
+  output().flush();
 }
 
 }  // namespace forgeyard::console

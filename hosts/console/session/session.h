@@ -5,6 +5,7 @@
 #include "hosts/console/base/options.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/services/console_host.h"
+#include "hosts/console/services/standard_output.h"
 #include "hosts/console/session/console_loop.h"
 #include "hosts/console/session/loaded_objects.h"
 #include "hosts/console/session/module.h"
@@ -29,7 +30,7 @@ class Session {
 
   const Options& options() const { return options_; }
   const Registry& registry() const { return registry_; }
-  LineWriter& output() { return output_; }
+  LineWriter& output() { return standardOutput(); }
   ConsoleLoop& loop() { return *loop_; }
   Apartment& apartment() const { return **apartment_; }
   ConsoleHost& host() const { return *host_; }
@@ -45,14 +46,13 @@ class Session {
   // Serves the module's threads until all of them have ended.
   void waitForThreads();
   // Sends off what was written. The exit code, or another one if standard output could not take it.
-  ExitCode finish(ExitCode code = ExitCode::Success) { return finishOutput(output_, code); }
+  ExitCode finish(ExitCode code = ExitCode::Success) { return finishOutput(output(), code); }
 
  private:
   void unload();
 
   const Options& options_;
   Registry registry_;
-  LineWriter output_;
   const Waitable* interrupt_ = nullptr;
   ConsoleLoop* loop_ = nullptr;  // the apartment's
   std::optional<ApartmentScope> apartment_;
