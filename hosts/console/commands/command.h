@@ -54,7 +54,7 @@ class Invocation {
 struct Command {
   const char* name;  // one or two words: "build", "folder add"
   const char* help;
-  std::array<Parameter, 4> parameters;
+  std::array<Parameter, 8> parameters;
   // Throws a Failure.
   ExitCode (*run)(const Invocation&);
 };

@@ -5,30 +5,15 @@
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/components.h"
+#include "hosts/console/project/connections.h"
+#include "hosts/console/project/new_component.h"
 #include "hosts/console/project/open_project.h"
-#include "platform/com/class_table.h"
 
 namespace forgeyard::console {
 
 namespace {
 
 using Kind = Parameter::Kind;
-
-// Makes the component the way that a user does: the module asks in a dialog, which gets these answers.
-void addComponent(OpenProject& project, const ComponentKind& kind, std::vector<BString> answers) {
-  const Ref<IDispatch> component = createInstance<IDispatch>(kind.clsid);
-  if (!component) throw Failure(std::string("The module has no components of the kind ") + kind.name + ".");
-  Ref<IComponents> components;
-  check(project.project().get_Components(&components));
-  std::int32_t before = 0;
-  std::int32_t after = 0;
-  check(components->get_Count(&before));
-  project.session().host().frame().fillNextDialog(std::move(answers));
-  require(components->New(component.get()), std::string("The ") + kind.name + " component can't be made");
-  check(components->get_Count(&after));
-  if (after != before + 1) throw Failure(std::string("The ") + kind.name + " component was not made.");
-  project.save();
-}
 
 const ComponentKind& toolKind(const std::string& name) {
   std::vector<std::string> names;
@@ -41,23 +26,24 @@ const ComponentKind& toolKind(const std::string& name) {
   throw Failure("There is no kind of component " + name + "." + suggestion(name, names, "kinds"));
 }
 
-ExitCode addFolder(const Invocation& invocation) {
+ExitCode makeFolder(const Invocation& invocation) {
   Session session(invocation.options());
   OpenProject project(session);
   const std::string& name = invocation.text("NAME");
   requireFreeName(project.project(), name);
-  addComponent(project, componentKinds().front(),
-               {BString::fromNarrow(name), BString::fromNarrow(invocation.text("--filter"))});
+  addFolder(project, name, invocation.text("--filter"));
+  project.save();
   return ExitCode::Success;
 }
 
-ExitCode addTool(const Invocation& invocation) {
+ExitCode makeTool(const Invocation& invocation) {
   const ComponentKind& kind = toolKind(invocation.text("KIND"));
   Session session(invocation.options());
   OpenProject project(session);
   const std::string& name = invocation.text("NAME");
   requireFreeName(project.project(), name);
-  addComponent(project, kind, {BString::fromNarrow(name)});
+  addTool(project, kind, name);
+  project.save();
   return ExitCode::Success;
 }
 
@@ -118,12 +104,12 @@ constexpr std::array kCommands{
             "Make a folder for source files",
             {{{Kind::Text, "NAME", "", "its name, unlike that of any other component"},
               {Kind::Option, "--filter", "LIST", "extensions of the files that belong here: \"c;h\""}}},
-            addFolder},
+            makeFolder},
     Command{"component add",
             "Make a component that runs a tool",
             {{{Kind::Text, "KIND", "", "cmdline (a command of your own), cc (compiler), asm or linker"},
               {Kind::Text, "NAME", "", "its name, unlike that of any other component"}}},
-            addTool},
+            makeTool},
     Command{"component list", "Show the components and what each one feeds", {}, listComponents},
     Command{"component remove",
             "Remove a component and its connections; asks first",

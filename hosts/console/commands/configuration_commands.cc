@@ -1,16 +1,9 @@
 // config add, list, use, remove and set.
 
-#include <algorithm>
-
-#include "hosts/console/base/nearest.h"
-#include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
+#include "hosts/console/project/configuration_properties.h"
 #include "hosts/console/project/configurations.h"
 #include "hosts/console/project/open_project.h"
-#include "hosts/console/project/properties.h"
-#include "hosts/console/session/targets.h"
-#include "platform/text/fold.h"
-#include "typelib/cookies.h"
 
 namespace forgeyard::console {
 
@@ -19,20 +12,11 @@ namespace {
 using Kind = Parameter::Kind;
 
 constexpr const char* kTarget = "Target";
-constexpr const char* kName = "Name";
 
 Ref<IConfigurations> configurationList(IProject& project) {
   Ref<IConfigurations> configurations;
   check(project.get_Configurations(&configurations));
   return configurations;
-}
-
-void requireFreeName(IProject& project, const std::string& name, IConfiguration* except = nullptr) {
-  if (name.empty()) throw Failure("A configuration needs a name.");
-  for (const auto& configuration : configurationsOf(project)) {
-    if (configuration.get() != except && nameOf(*configuration) == name)
-      throw Failure("A configuration already exists with that name: " + name + ".");
-  }
 }
 
 // Which configuration is meant stands in the command itself.
@@ -46,7 +30,7 @@ ExitCode addConfiguration(const Invocation& invocation) {
   Session session(invocation.options());
   OpenProject project(session);
   const std::string& name = invocation.text("NAME");
-  requireFreeName(project.project(), name);
+  requireFreeConfigurationName(project.project(), name);
   Ref<IConfiguration> base;
   if (invocation.has("--from")) base = findConfiguration(project.project(), invocation.text("--from"));
   Ref<IConfiguration> made;
@@ -95,48 +79,6 @@ ExitCode removeConfiguration(const Invocation& invocation) {
   return ExitCode::Success;
 }
 
-void warnOfUnknownTarget(const Registry& registry, const std::string& target) {
-  std::vector<std::string> names;
-  for (const Target& known : registeredTargets(registry)) {
-    if (known.name == target) return;
-    names.push_back(known.name);
-  }
-  if (!target.empty())
-    complain("The registry has no target " + target + " yet." + suggestion(target, names, "targets"));
-}
-
-void setTarget(OpenProject& project, IConfiguration& configuration, const std::string& target) {
-  warnOfUnknownTarget(project.session().registry(), target);
-  const Ref<IKVSupportCookies> cookies = query<IKVSupportCookies>(&configuration);
-  if (!cookies) throw Failure("This configuration keeps no target.");
-  require(cookies->put_Cookie(BString::fromNarrow(kTarget), BString::fromNarrow(target)), kTarget);
-}
-
-bool isDirectory(std::string_view property) {
-  return equalFoldedAscii(property, "OutputDirectory") || equalFoldedAscii(property, "IntermediateDirectory");
-}
-
-// Also of a relative path, or one with a drive.
-std::string modelSpelling(std::string path) {
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path;
-}
-
-void setOne(OpenProject& project, IConfiguration& configuration, const Assignment& assignment) {
-  if (equalFoldedAscii(assignment.property, kTarget))
-    return setTarget(project, configuration, assignment.value);
-  if (!hasWritable(configuration, assignment.property)) {
-    std::vector<std::string> names = writableProperties(configuration);
-    names.emplace_back(kTarget);
-    throw Failure("A configuration has no property " + assignment.property + "." +
-                  suggestion(assignment.property, names, "properties"));
-  }
-  if (equalFoldedAscii(assignment.property, kName))
-    requireFreeName(project.project(), assignment.value, &configuration);
-  writeProperty(configuration, assignment.property,
-                isDirectory(assignment.property) ? modelSpelling(assignment.value) : assignment.value);
-}
-
 ExitCode setProperties(const Invocation& invocation) {
   const std::vector<Assignment> wanted = assignments(invocation.texts("PROPERTY=VALUE"));
   Session session(invocation.options());
@@ -144,7 +86,8 @@ ExitCode setProperties(const Invocation& invocation) {
   const Ref<IConfiguration> configuration = project.configuration();
   require(configuration->BeforeSettings(), "The configuration's settings");
   // A failure leaves all of it to the end of the session: nothing has been stored.
-  for (const Assignment& assignment : wanted) setOne(project, *configuration, assignment);
+  for (const Assignment& assignment : wanted)
+    setProperty(session, project.project(), *configuration, assignment);
   require(configuration->AfterSettings(1), "The configuration's settings");
   project.save();
   return ExitCode::Success;

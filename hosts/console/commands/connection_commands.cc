@@ -2,6 +2,7 @@
 
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/components.h"
+#include "hosts/console/project/connections.h"
 #include "hosts/console/project/open_project.h"
 
 namespace forgeyard::console {
@@ -9,24 +10,6 @@ namespace forgeyard::console {
 namespace {
 
 using Kind = Parameter::Kind;
-
-Ref<IConnection> connectionBetween(IProject& project, const Component& from, const Component& to) {
-  for (const auto& connection : connectionsOf(project)) {
-    Ref<IComponent> source;
-    Ref<IComponent> sink;
-    check(connection->get_From(&source));
-    check(connection->get_To(&sink));
-    if (sameObject(source.get(), from.object.get()) && sameObject(sink.get(), to.object.get()))
-      return connection;
-  }
-  return nullptr;
-}
-
-Ref<IConnections> connectionList(IProject& project) {
-  Ref<IConnections> connections;
-  check(project.get_Connections(&connections));
-  return connections;
-}
 
 ExitCode connect(const Invocation& invocation) {
   Session session(invocation.options());
@@ -36,11 +19,7 @@ ExitCode connect(const Invocation& invocation) {
   if (from.id == to.id) throw Failure(from.name + " can't feed itself.");
   if (connectionBetween(project.project(), from, to))
     throw Failure(from.name + " is connected to " + to.name + " already.");
-  Ref<IConnection> made;
-  if (failed(connectionList(project.project())->New(from.object.get(), to.object.get(), &made))) {
-    throw Failure(from.name + " can't be connected to " + to.name +
-                  ": that would close a circle, or two ways that lead from " + to.name + " meet again.");
-  }
+  addConnection(project.project(), from, to);
   project.save();
   return ExitCode::Success;
 }
@@ -56,7 +35,7 @@ ExitCode disconnect(const Invocation& invocation) {
     throw Failure(from.name + " is not connected to " + to.name + "." +
                   (turned ? " The connection runs from " + to.name + " to " + from.name + "." : ""));
   }
-  require(connectionList(project.project())->Delete(connection.get()), "The connection can't be removed");
+  removeConnection(project.project(), *connection);
   project.save();
   return ExitCode::Success;
 }

@@ -113,10 +113,4 @@ void requireFreeName(IProject& project, const std::string& name, IComponent* exc
   }
 }
 
-std::vector<Ref<IConnection>> connectionsOf(IProject& project) {
-  Ref<IConnections> connections;
-  check(project.get_Connections(&connections));
-  return elementsOf<IConnection>(*connections);
-}
-
 }  // namespace forgeyard::console

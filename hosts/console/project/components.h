@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "typelib/component.h"
-#include "typelib/connection.h"
 #include "typelib/folder.h"
 #include "typelib/project.h"
 
@@ -43,8 +42,5 @@ Component findFolder(IProject& project, const std::string& name);
 
 // Throws a Failure if the name is empty, too long for a dialog, or another component's.
 void requireFreeName(IProject& project, const std::string& name, IComponent* except = nullptr);
-
-// The connections of the project, in its order.
-std::vector<Ref<IConnection>> connectionsOf(IProject& project);
 
 }  // namespace forgeyard::console
