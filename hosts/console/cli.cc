@@ -23,8 +23,8 @@ using Kind = Parameter::Kind;
 
 constexpr const char* kFooter =
     "\nEvery option above may stand before or behind the command.\n"
-    "Exit codes: 0 success; 1 the build ended with errors, or dump found damage; 2 wrong usage, or a file\n"
-    "that can't be read or written; 130 stopped.";
+    "Exit codes: 0 success; 1 the build ended with errors, dump found damage, or doctor a problem; 2 wrong\n"
+    "usage, or a file that can't be read or written; 130 stopped.";
 constexpr const char* kShortFooter =
     "\nAlso: -p FILE, -w FILE, -c CONFIGURATION, -y, -q, -v; see forgeyard --help.";
 

@@ -17,14 +17,21 @@ const char* environment(const char* name) {
   return value && *value ? value : nullptr;
 }
 
-std::string chosenDirectory() {
+bool plainName(std::string_view name) {
+  constexpr std::string_view allowed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.";
+  return !name.empty() && name.front() != '.' && name.find_first_not_of(allowed) == std::string_view::npos;
+}
+
+}  // namespace
+
+std::string runtimeDirectoryName() {
   if (const char* exact = environment("FORGEYARD_RUNTIME_DIR")) return exact;
   if (const char* session = environment("XDG_RUNTIME_DIR")) return std::string(session) + "/forgeyard";
   return "/tmp/forgeyard-" + std::to_string(::geteuid());
 }
 
 // Someone else could have put a directory there first, to hold our locks or listen to our events.
-void requireOwn(const std::string& directory) {
+void requireOwnRuntimeDirectory(const std::string& directory) {
   const std::string what = "runtime directory " + directory;
   struct stat info {};
   if (::lstat(directory.c_str(), &info) != 0) detail::throwErrno(what);
@@ -36,19 +43,12 @@ void requireOwn(const std::string& directory) {
   if (info.st_mode & (S_IWGRP | S_IWOTH)) detail::throwErrno(what + " can be written by other users", EPERM);
 }
 
-bool plainName(std::string_view name) {
-  constexpr std::string_view allowed = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_.";
-  return !name.empty() && name.front() != '.' && name.find_first_not_of(allowed) == std::string_view::npos;
-}
-
-}  // namespace
-
 std::string runtimeDirectory() {
-  std::string directory = chosenDirectory();
+  std::string directory = runtimeDirectoryName();
   if (::mkdir(directory.c_str(), 0700) != 0 && errno != EEXIST) {
     detail::throwErrno("making the runtime directory " + directory);
   }
-  requireOwn(directory);
+  requireOwnRuntimeDirectory(directory);
   return directory;
 }
 

@@ -11,6 +11,12 @@ namespace forgeyard {
 // directory and the reason.
 std::string runtimeDirectory();
 
+// The same name, with nothing made or looked at.
+std::string runtimeDirectoryName();
+
+// Throws as above unless the directory is there, this user's own and writable by nobody else.
+void requireOwnRuntimeDirectory(const std::string& directory);
+
 // The host path of a named object's file in there. Names are one path component of letters, digits, "-", "_"
 // and
 // "."; anything else throws std::system_error.

@@ -55,6 +55,15 @@ TEST_F(JsonOutput, RecordsOfADumpAreOneObject) {
   EXPECT_EQ(dumps.front().at("records"), Json::parse(shown({"dump"})));
 }
 
+TEST_F(JsonOutput, FindingsOfTheDoctorAreObjects) {
+  const std::vector<Json> findings = ofType(told({"doctor"}), "finding");
+  const Json expected{{"type", "finding"},
+                      {"state", "ok"},
+                      {"subject", "module"},
+                      {"text", FORGEYARD_BIN_DIR "/Forgeyard.so"}};
+  EXPECT_THAT(findings, testing::Contains(expected));
+}
+
 TEST_F(JsonOutput, ToolLinesOfAnyBytesAreText) {
   makeToolProject({"a.in"}, scriptedTool() + " print a\xff\xc3\xa4z");
   const Json expected{{"type", "line"}, {"tab", "Build"}, {"text", "a\xef\xbf\xbd\xc3\xa4z"}};

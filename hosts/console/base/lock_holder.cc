@@ -20,11 +20,20 @@ std::string programOf(long process) {
   return name;
 }
 
+// Its state is the letter behind the name in parentheses, which may hold any character.
+bool isStopped(long process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/stat");
+  std::string line;
+  std::getline(file, line);
+  const std::size_t end = line.rfind(')');
+  return end != line.npos && end + 2 < line.size() && line[end + 2] == 'T';
+}
+
 }  // namespace
 
-std::string lockHolder(const std::string& file) {
+std::optional<LockHolder> findLockHolder(const std::string& file) {
   struct stat status {};
-  if (::stat(file.c_str(), &status) != 0) return "";
+  if (::stat(file.c_str(), &status) != 0) return std::nullopt;
   std::array<char, 64> wanted{};
   std::snprintf(wanted.data(), wanted.size(), "%02x:%02x:%lu", ::major(status.st_dev), ::minor(status.st_dev),
                 static_cast<unsigned long>(status.st_ino));
@@ -36,10 +45,19 @@ std::string lockHolder(const std::string& file) {
     long process = 0;
     if (!(words >> number >> kind >> strictness >> access >> process >> place)) continue;
     if (place != wanted.data() || process <= 0) continue;
-    const std::string program = programOf(process);
-    return "process " + std::to_string(process) + (program.empty() ? "" : " (" + program + ")");
+    return LockHolder{process, programOf(process), isStopped(process)};
   }
-  return "";
+  return std::nullopt;
+}
+
+std::string toText(const LockHolder& holder) {
+  return "process " + std::to_string(holder.process) +
+         (holder.program.empty() ? "" : " (" + holder.program + ")");
+}
+
+std::string lockHolder(const std::string& file) {
+  const auto holder = findLockHolder(file);
+  return holder ? toText(*holder) : "";
 }
 
 std::string inUse(const std::string& file) {

@@ -20,7 +20,7 @@ std::vector<const Command*> allCommands() {
   for (const auto& family :
        {projectCommands(), componentCommands(), connectionCommands(), fileCommands(), configurationCommands(),
         propertyCommands(), workspaceCommands(), targetCommands(), buildCommands(), dumpCommands(),
-        automationCommands(), moduleCommands()}) {
+        automationCommands(), moduleCommands(), doctorCommands()}) {
     for (const Command& command : family) all.push_back(&command);
   }
   return all;

@@ -78,5 +78,6 @@ std::span<const Command> buildCommands();
 std::span<const Command> dumpCommands();
 std::span<const Command> automationCommands();
 std::span<const Command> moduleCommands();
+std::span<const Command> doctorCommands();
 
 }  // namespace forgeyard::console

@@ -39,16 +39,20 @@ bool classesAreServed(const Registry& registry) {
   return !module.empty() && ::access(module.c_str(), F_OK) == 0;
 }
 
-void enterMissing(Registry& registry, const std::string& home) {
-  if (!home.empty()) registry.setValue(KORVEL, HOME, modelSpelling(home));
+bool hasHome(const Registry& registry) {
+  return isExecutable(adapterDirectory(registry) + kSpawner);
+}
+
+}  // namespace
+
+void enterMissing(Registry& registry) {
+  if (!hasHome(registry)) registry.setValue(KORVEL, HOME, modelSpelling(installation()));
   if (registry.open(TARGETS)) return;
   registry.createKey(TARGETS);
   for (const Target& target : detectTargets()) enterTarget(registry, target);
   if (const std::string linker = detectLinker(); !linker.empty() && registeredLinker(registry).empty())
     registry.setValue(BUILD_TOOL, LINKER, linker);
 }
-
-}  // namespace
 
 std::string adapterDirectory(const Registry& registry) {
   const auto home = registry.value(KORVEL, HOME);
@@ -59,15 +63,14 @@ std::string adapterDirectory(const Registry& registry) {
 
 void prepareRegistry(Registry& registry, const Module& module) {
   const bool classes = classesAreServed(registry);
-  const bool home = isExecutable(adapterDirectory(registry) + kSpawner);
+  const bool home = hasHome(registry);
   const bool targets = registry.open(TARGETS).has_value();
   if (classes && home && targets) return;
   const std::string file = Registry::defaultFile();
   if (file.empty())
     throw Failure("There is no place for the registry: set HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY.");
   if (!home || !targets) {
-    const std::string newHome = home ? "" : installation();
-    const auto error = Registry::update(file, [&](Registry& changed) { enterMissing(changed, newHome); });
+    const auto error = Registry::update(file, enterMissing);
     if (error) throw Failure(error->message);
   }
   if (!classes) require(module.registerServer(), "The classes can't be entered into the registry " + file);

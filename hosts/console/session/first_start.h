@@ -11,6 +11,10 @@ namespace forgeyard::console {
 // compilers stand on the PATH. Throws a Failure when the file can't be written.
 void prepareRegistry(Registry& registry, const Module& module);
 
+// The part of that which needs no module, in memory alone: home, targets and linker. Throws a Failure for an
+// installation whose path can't be spelled.
+void enterMissing(Registry& registry);
+
 // The directory of the spawner and the adapters that the registry names: a host path; empty if there is none.
 std::string adapterDirectory(const Registry& registry);
 

@@ -136,14 +136,22 @@ bool removeTarget(Registry& registry, const std::string& name) {
   return registry.removeValue(TARGETS, name) || compiler || assembler;
 }
 
+std::vector<ToolProgram> programsOf(const std::string& commandLine, const std::string& adapterDirectory) {
+  std::vector<ToolProgram> programs;
+  for (const std::string& word : CommandLineToArgvW(commandLine)) {
+    const bool adapter = word == kCompilerAdapter || word == kAssemblerAdapter;
+    std::string installed = std::string(adapterDirectory).append("/").append(word);
+    programs.push_back({word, adapter, isExecutable(installed) ? std::move(installed) : findProgram(word)});
+    if (!adapter) break;
+  }
+  return programs;
+}
+
 std::vector<std::string> missingPrograms(const std::string& commandLine,
                                          const std::string& adapterDirectory) {
   std::vector<std::string> missing;
-  for (const std::string& word : CommandLineToArgvW(commandLine)) {
-    const bool adapter = word == kCompilerAdapter || word == kAssemblerAdapter;
-    if (!isExecutable(std::string(adapterDirectory).append("/").append(word)) && !findProgram(word))
-      missing.push_back(word);
-    if (!adapter) break;
+  for (const ToolProgram& program : programsOf(commandLine, adapterDirectory)) {
+    if (!program.path) missing.push_back(program.name);
   }
   return missing;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -36,8 +37,17 @@ void enterTarget(Registry& registry, const Target& target);
 // False if there is none of that name.
 bool removeTarget(Registry& registry, const std::string& name);
 
-// The programs that the command line of a tool needs and that are not there: its first word, looked for in
-// the directory of the adapters and along PATH, and behind an adapter the tool that it drives.
+struct ToolProgram {
+  std::string name;                 // as the command line has it
+  bool adapter = false;             // of the installation: stands between a component and the tool behind it
+  std::optional<std::string> path;  // where it was found
+};
+
+// The programs that the command line of a tool needs: its first word, looked for in the directory of the
+// adapters and along PATH, and behind an adapter the tool that it drives.
+std::vector<ToolProgram> programsOf(const std::string& commandLine, const std::string& adapterDirectory);
+
+// Those of them that are not there.
 std::vector<std::string> missingPrograms(const std::string& commandLine, const std::string& adapterDirectory);
 
 }  // namespace forgeyard::console

@@ -1,0 +1,158 @@
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/lock_holder.h"
+#include "hosts/console/doctor/checks.h"
+#include "hosts/console/session/first_start.h"
+#include "hosts/console/session/module.h"
+#include "platform/registry/registry_line.h"
+#include "platform/registry/registry_paths.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace registry_keys;
+
+constexpr const char* kSubject = "registry";
+constexpr std::size_t kMostLines = 5;
+
+bool isBlankOrComment(std::string_view line) {
+  const std::size_t start = line.find_first_not_of(" \t\r\n");
+  return start == line.npos || line[start] == ';' || line.substr(start).starts_with("\xEF\xBB\xBF");
+}
+
+bool isUnderstood(std::string_view raw) {
+  const RegistryLine line = readRegistryLine(raw);
+  if (line.kind == RegistryLine::Kind::Section) return !line.name.empty();
+  return line.kind == RegistryLine::Kind::Value || isBlankOrComment(raw);
+}
+
+// The lines of the file that a reader passes over.
+void checkLines(const std::string& file, const std::string& text, Findings& findings) {
+  std::size_t number = 0;
+  std::size_t told = 0;
+  std::string_view rest = text;
+  while (!rest.empty()) {
+    const std::size_t end = std::min(rest.find('\n'), rest.size() - 1) + 1;
+    const std::string_view raw = rest.substr(0, end);
+    rest.remove_prefix(end);
+    ++number;
+    if (isUnderstood(raw) || ++told > kMostLines) continue;
+    std::string what = file + ":" + std::to_string(number) + ": \"";
+    what.append(raw.substr(0, raw.find_last_not_of("\r\n") + 1)).append("\" is not understood");
+    findings.warning(kSubject, what, "Write [KEY], NAME=TEXT or ; COMMENT, or take the line out.");
+  }
+  if (told > kMostLines)
+    findings.warning(kSubject, std::to_string(told - kMostLines) + " more such lines", "See above.");
+}
+
+bool canBeReplaced(const std::string& file) {
+  std::error_code error;
+  const std::string real = fs::canonical(file, error).string();
+  return ::access(file.c_str(), W_OK) == 0 && ::access(fs::path(real).parent_path().c_str(), W_OK) == 0;
+}
+
+void complete(Registry& registry) {
+  try {
+    enterMissing(registry);
+  } catch (const Failure&) {
+    // The check of the home says so.
+  }
+}
+
+// Whether no command has to write before it can work.
+bool isComplete(const Registry& registry) {
+  Registry completed = Registry::parse(registry.text());
+  complete(completed);
+  return completed.text() == registry.text() && ::access(registeredModule(registry).c_str(), F_OK) == 0;
+}
+
+void checkPresent(const std::string& file, const Registry& registry, Findings& findings) {
+  const bool whole = isComplete(registry);
+  if (canBeReplaced(file)) {
+    findings.ok(kSubject, file + (whole ? "" : "; the next command enters what is missing in it"));
+  } else if (whole) {
+    findings.warning(kSubject, file + " can't be written: targets can't be changed",
+                     "Make the file and its directory writable: chmod u+w");
+  } else {
+    findings.problem(kSubject, file + " lacks entries and can't be written",
+                     "Make the file and its directory writable: chmod u+w");
+  }
+  checkLines(file, registry.text(), findings);
+}
+
+void checkMissing(const std::string& file, Findings& findings) {
+  if (canBeMade(file)) return findings.ok(kSubject, file + ": not there yet; the next command makes it");
+  findings.problem(kSubject, file + " is not there and can't be made",
+                   "Make its directory writable, or name another file with FORGEYARD_REGISTRY.");
+}
+
+void checkUnreadable(const RegistryError& error, Findings& findings) {
+  const bool denied = error.code == EACCES || error.code == EPERM;
+  findings.problem(kSubject, error.message,
+                   denied ? "Make it readable: chmod u+rw"
+                          : "Move it away; the next command makes a new one. \"forgeyard target add\" enters "
+                            "targets again.");
+}
+
+void checkDrives(const Registry& registry, Findings& findings) {
+  const auto drives = registry.open(DRIVES);
+  if (!drives) return;
+  for (const std::string& name : drives->valueNames()) {
+    const std::string directory = drives->value(name).value_or("");
+    if (directory.empty()) continue;
+    const std::string what = std::string(name).append(" is ").append(directory);
+    HostPaths table;
+    std::error_code error;
+    if (!table.mapDrive(std::string_view(name), directory)) {
+      findings.warning("drive", what + ", which maps nothing",
+                       "Write a letter and an absolute directory: C:=/home/me/c");
+    } else if (!fs::is_directory(directory, error)) {
+      findings.warning("drive", what + ", which is no directory",
+                       "Make the directory, or mend the registry.");
+    } else {
+      findings.ok("drive", what);
+    }
+  }
+}
+
+}  // namespace
+
+bool canBeMade(const std::string& file) {
+  std::error_code error;
+  fs::path directory = fs::absolute(file, error).parent_path();
+  while (!fs::exists(directory, error) && directory.has_relative_path()) directory = directory.parent_path();
+  return fs::is_directory(directory, error) && ::access(directory.c_str(), W_OK | X_OK) == 0;
+}
+
+Registry checkRegistry(Findings& findings) {
+  const std::string file = Registry::defaultFile();
+  std::optional<RegistryError> error;
+  Registry registry;
+  if (file.empty()) {
+    findings.problem(kSubject, "There is no place for it",
+                     "Set HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY.");
+  } else {
+    registry = Registry::load(file, &error);
+    if (error) {
+      checkUnreadable(*error, findings);
+    } else if (::access(file.c_str(), F_OK) != 0) {
+      checkMissing(file, findings);
+    } else {
+      checkPresent(file, registry, findings);
+    }
+    if (const auto holder = findLockHolder(file + ".lock"))
+      findings.warning(kSubject, toText(*holder) + " is writing it; changes of it wait",
+                       holder->stopped ? "That process is stopped: let it go on (fg), or end it." : "");
+  }
+  checkDrives(registry, findings);
+  complete(registry);
+  return registry;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,125 @@
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <system_error>
+
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/lock_holder.h"
+#include "hosts/console/doctor/checks.h"
+#include "hosts/console/project/project_file.h"
+#include "hosts/console/services/workspace_file.h"
+#include "platform/threads/runtime_directory.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+// The file behind the mutex that a build holds while a tool runs.
+constexpr const char* kBuildMutex = "/ExcludeMultiBuild.mutex";
+
+std::string modeOf(const std::string& path) {
+  struct stat status {};
+  std::array<char, 16> text{};
+  if (::stat(path.c_str(), &status) == 0)
+    std::snprintf(text.data(), text.size(), "%04o", static_cast<unsigned>(status.st_mode & 07777));
+  return text.data();
+}
+
+void checkBuilds(const std::string& directory, Findings& findings) {
+  const auto holder = findLockHolder(directory + kBuildMutex);
+  if (!holder) return findings.ok("builds", "none is running");
+  if (holder->stopped) {
+    return findings.warning(
+        "builds", toText(*holder) + " is stopped in the midst of one; all others wait for it",
+        "Let it go on (fg), or end it: kill -CONT, or kill -KILL, " + std::to_string(holder->process));
+  }
+  findings.ok("builds", toText(*holder) + " is running a tool; others take turns with it");
+}
+
+// Who has a file open that only one host can have.
+void checkHolder(const std::string& subject, const std::string& file, Findings& findings) {
+  const auto holder = findLockHolder(file);
+  if (!holder) return;
+  findings.warning(subject, inUse(file),
+                   holder->stopped ? "That process is stopped: let it go on (fg), or end it."
+                                   : "Wait for it, or stop its build: forgeyard stop");
+}
+
+// A file that commands read and write.
+void checkFile(const std::string& subject, const std::string& file, Findings& findings) {
+  struct stat status {};
+  ::stat(file.c_str(), &status);
+  // Such a file counts as read-only for a superuser too.
+  const bool marked = (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
+  if (!S_ISREG(status.st_mode)) {
+    findings.warning(subject, file + " is no regular file", "Name another one.");
+  } else if (::access(file.c_str(), R_OK) != 0) {
+    findings.warning(subject, file + " can't be read", "chmod u+rw it.");
+  } else if (marked || ::access(file.c_str(), W_OK) != 0) {
+    findings.warning(subject, file + " is read-only", "chmod u+w it, or check it out for writing.");
+  } else {
+    findings.ok(subject, file);
+  }
+  checkHolder(subject, file, findings);
+}
+
+void checkWorkspace(const Options& options, Findings& findings) {
+  const std::string file = WorkspaceFile::fileFor(options.workspace);
+  if (file.empty()) {
+    findings.warning("workspace", "There is no place for it",
+                     "Set HOME, XDG_DATA_HOME or FORGEYARD_WORKSPACE.");
+  } else if (::access(file.c_str(), F_OK) == 0) {
+    checkFile("workspace", file, findings);
+  } else if (canBeMade(file)) {
+    findings.ok("workspace", file + ": not there yet; \"workspace add\" makes it");
+  } else {
+    findings.warning("workspace", file + " is not there and can't be made",
+                     "Make its directory writable, or name another file with -w or FORGEYARD_WORKSPACE.");
+  }
+}
+
+void checkProject(const Options& options, Findings& findings) {
+  if (options.project.empty() && !isProjectFileHere()) return;
+  try {
+    checkFile("project", existingProjectFile(options.project).host, findings);
+  } catch (const Failure& failure) {
+    findings.warning("project", failure.what(), "");
+  }
+}
+
+}  // namespace
+
+void checkRuntimeDirectory(Findings& findings) {
+  constexpr const char* kSubject = "runtime";
+  const std::string directory = runtimeDirectoryName();
+  if (::access(directory.c_str(), F_OK) != 0 && errno == ENOENT) {
+    // Only its last part is made by itself.
+    const std::string parent = directory.substr(0, directory.rfind('/'));
+    if (::access(parent.empty() ? "/" : parent.c_str(), W_OK | X_OK) == 0)
+      return findings.ok(kSubject, directory + ": not there yet; the next build makes it");
+    return findings.problem(kSubject, directory + " is not there and can't be made",
+                            "Make " + parent +
+                                " writable, or name another directory with "
+                                "FORGEYARD_RUNTIME_DIR.");
+  }
+  try {
+    requireOwnRuntimeDirectory(directory);
+  } catch (const std::system_error& error) {
+    return findings.problem(kSubject, error.what(),
+                            "It has to be a directory of your own that nobody else can write: chmod 700, or "
+                            "name another one with FORGEYARD_RUNTIME_DIR.");
+  }
+  if (::access(directory.c_str(), R_OK | W_OK | X_OK) != 0)
+    return findings.problem(kSubject, directory + " can't be written", "chmod 700 it.");
+  findings.ok(kSubject, directory + ", yours, mode " + modeOf(directory));
+  checkBuilds(directory, findings);
+}
+
+void checkFiles(const Options& options, Findings& findings) {
+  checkWorkspace(options, findings);
+  checkProject(options, findings);
+}
+
+}  // namespace forgeyard::console
