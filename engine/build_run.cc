@@ -175,7 +175,7 @@ Ref<IEnumUnknown> CBuildTool::selectedItems() {
   return items;
 }
 
-void CBuildTool::compileSelection() {
+void CBuildTool::takeSelection() {
   std::vector<BString> chosen;
   forEach(selectedItems(), [&](const Ref<IUnknown>& item) {
     const Ref<ISourceFile> file = item.as<ISourceFile>();
@@ -187,7 +187,35 @@ void CBuildTool::compileSelection() {
   std::sort(chosen.begin(), chosen.end());
   chosen.erase(std::unique(chosen.begin(), chosen.end()), chosen.end());
   selection_ = std::make_shared<const std::vector<BString>>(std::move(chosen));
+}
+
+void CBuildTool::compileSelection() {
+  takeSelection();
   if (!selection_->empty()) build(E_TASK_COMPILE);
+}
+
+// The task goes through the nodes as in a build run, and each component tells what it would do and answers at
+// once.
+HRESULT CBuildTool::PlanBuild(e_task task, std::vector<PlannedComponent>* out) {
+  return guard([&] {
+    out->clear();
+    if (building_) return E_BUILDING;
+    const Ref<IBuilderInput> input = active_.as<IBuilderInput>();
+    if (!input) return E_FAIL;
+    if (task == E_TASK_COMPILE) takeSelection();
+    const e_task before = std::exchange(task_, task);
+    plan_ = out;
+    forgetFileTimes();
+    const HRESULT planned = input->PreBuild(nullptr);
+    forgetFileTimes();
+    plan_ = nullptr;
+    task_ = before;
+    return planned;
+  });
+}
+
+HRESULT CBuildTool::AddPlanned(PlannedComponent planned) {
+  return guard([&] { plan_->push_back(std::move(planned)); });
 }
 
 void CBuildTool::stop() {

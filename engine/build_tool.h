@@ -13,6 +13,7 @@
 #include "platform/com/weak_ref.h"
 #include "platform/storage/persist.h"
 #include "platform/threads/named_event.h"
+#include "typelib/build_plan.h"
 #include "typelib/buildtool.h"
 #include "typelib/host.h"
 #include "typelib/records.h"
@@ -25,7 +26,8 @@ namespace forgeyard {
 class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
                                           ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>,
                                           ILoadedObject, IUseCommands, IPersistStorage, IBuildRunResult,
-                                          IWorkspaceRecords, SelfDocumenting, WeakSource> {
+                                          IWorkspaceRecords, IBuildPlan, IBuildPlanner, SelfDocumenting,
+                                          WeakSource> {
  public:
   CBuildTool();
 
@@ -67,6 +69,12 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   // IBuildRunResult
   HRESULT get_LastResult(e_btr* result) override;
 
+  // IBuildPlan
+  HRESULT PlanBuild(e_task task, std::vector<PlannedComponent>* out) override;
+  // IBuildPlanner
+  bool isPlanning() const override { return plan_ != nullptr; }
+  HRESULT AddPlanned(PlannedComponent planned) override;
+
   // IWorkspaceRecords
   HRESULT ReadProjects(IStorage* storage, WorkspaceRecords* out) override;
 
@@ -94,6 +102,7 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   e_btr runResult() const;
   BString projectLine();
   void build(e_task task);
+  void takeSelection();
   void compileSelection();
   void stop();
 
@@ -122,6 +131,7 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   std::int32_t stopped_ = 0;
   e_task task_ = E_TASK_BUILD;
   bool building_ = false;
+  std::vector<PlannedComponent>* plan_ = nullptr;  // while one is made
   std::optional<e_btr> lastResult_;  // of the last run that ended
   bool chained_ = false;             // would hold the build run open; nothing sets it
   Ref<IUnknown> saveToken_;

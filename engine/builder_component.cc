@@ -228,8 +228,59 @@ std::vector<BString> CBuilderComponent::outputNames(const BString& file) const {
 void CBuilderComponent::launch() {
   if (task_ == E_TASK_FAKEBUILD) {
     check(BuildResult(E_BTR_COMPLETED, 0));
+  } else if (const auto planner = builderTask_.as<IBuildPlanner>(); planner && planner->isPlanning()) {
+    plan(*planner);
   } else {
     StartWorker(this, this);
+  }
+}
+
+// Plans
+
+void CBuilderComponent::plan(IBuildPlanner& planner) {
+  PlannedComponent planned;
+  planned.component = Ref<IComponent>(static_cast<IComponent*>(this));
+  planned.inputs = inputFiles_.list();
+  planned.outputs = outputFiles_.list();
+  if (task_ != E_TASK_CLEAN && !inputFiles_.empty()) {
+    planned_ = &planned;
+    const struct Ended {
+      PlannedComponent*& planned;
+      ~Ended() { planned = nullptr; }
+    } ended{planned_};
+    prepareTimes();
+    if (commandReady()) planned.runs = plannedRuns();
+  }
+  const e_btr status = planned.problems.empty() ? E_BTR_COMPLETED : E_BTR_ERROR;
+  check(planner.AddPlanned(std::move(planned)));
+  check(BuildResult(status, 0));
+}
+
+std::vector<PlannedRun> CBuilderComponent::plannedRuns() {
+  std::vector<PlannedRun> runs;
+  if (gathersOnce()) {
+    runs.push_back({{}, outputFiles_.list(), BuildOnceCommand(), NeedsBuildOnce()});
+  } else {
+    runs.reserve(inputFiles_.list().size());
+    for (const BString& file : inputFiles_.list()) runs.push_back(plannedRun(file));
+  }
+  for (const PlannedRun& run : runs) {
+    if (!run.staleness) continue;
+    for (const BString& output : run.outputs) fileTimes().assume(output, TIME_TO_COME);
+  }
+  return runs;
+}
+
+PlannedRun CBuilderComponent::plannedRun(const BString& file) {
+  BString command = commandFor(file);
+  return {file, outputNames(file), std::move(command), NeedsBuild(file)};
+}
+
+void CBuilderComponent::say(const BString& text) {
+  if (planned_) {
+    planned_->problems.push_back(text);
+  } else {
+    OutputTab::say(text);
   }
 }
 
@@ -283,11 +334,8 @@ void CBuilderComponent::prepareTimes() {
 }
 
 CBuilderComponent::FileResult CBuilderComponent::BuildFile(const BString& file) {
-  BString command;
-  check(builderSettings()->get_Command(&command));
-  macros_.setFile(file);
   if (!NeedsBuild(file)) return {};
-  FileResult result{true, runTool(macros_.expand(command))};
+  FileResult result{true, runTool(commandFor(file))};
   if (result.status == E_BTR_COMPLETED) refreshMarker(file);
   return result;
 }
@@ -295,6 +343,13 @@ CBuilderComponent::FileResult CBuilderComponent::BuildFile(const BString& file) 
 e_btr CBuilderComponent::BuildOnce() {
   const BString command = BuildOnceCommand();
   return NeedsBuildOnce() ? runTool(command) : E_BTR_COMPLETED;
+}
+
+BString CBuilderComponent::commandFor(const BString& file) {
+  BString command;
+  check(builderSettings()->get_Command(&command));
+  macros_.setFile(file);
+  return macros_.expand(command);
 }
 
 BString CBuilderComponent::BuildOnceCommand() {

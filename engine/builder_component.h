@@ -9,8 +9,8 @@
 #include "engine/component_base.h"
 #include "engine/dependency_times.h"
 #include "engine/macro_map.h"
-#include "engine/staleness.h"
 #include "engine/tool_runner.h"
+#include "typelib/build_plan.h"
 #include "typelib/settings.h"
 
 namespace forgeyard {
@@ -55,6 +55,8 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
 
   // Runs the tool for what is out of date and sets the status.
   virtual void DoBuild(e_btr* status) = 0;
+  // What comes first in it: works out the command. False after lines that say why there is none.
+  virtual bool commandReady() = 0;
   // The command of a component that runs once for all inputs.
   virtual BString BuildOnceCommand();
   // Whether outputs are whole names for one run, or suffixes for each input.
@@ -82,7 +84,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   void parseOutputPatterns();
   void gatherInputs();
   void gatherOutputs();
-  // Ends a task that only works out lists, or starts the worker thread.
+  // Ends a task that only works out lists, tells a plan what would be done, or starts the worker thread.
   void launch();
 
   // What became of one file.
@@ -102,6 +104,8 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   Staleness NeedsBuild(const BString& file);
   Staleness NeedsBuildOnce();
   void writeHeader();
+  // A line to the tab; in a plan, a reason why nothing runs.
+  void say(const BString& text);
 
   Ref<IBuilderSettings> builderSettings() { return activeSettings().as<IBuilderSettings>(); }
   std::vector<BString> outputNames(const BString& file) const;
@@ -114,6 +118,10 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
 
  private:
   void runTask(e_btr* status);
+  void plan(IBuildPlanner& planner);
+  std::vector<PlannedRun> plannedRuns();
+  PlannedRun plannedRun(const BString& file);
+  BString commandFor(const BString& file);
   void cleanOutputs();
   void gatherOutputsOfEachFile();
   void gatherOutputsOfOneRun();
@@ -138,6 +146,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   Ref<IBuilderTask> builderTask_;
   e_task task_ = E_TASK_FAKEBUILD;
   bool headerWritten_ = false;
+  PlannedComponent* planned_ = nullptr;  // while a plan is made
   ToolRunner runner_;
   DependencyTimes times_;
 };

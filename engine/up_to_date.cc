@@ -43,16 +43,16 @@ void CBuilderComponent::forEachDependency(const BString& input, Visit&& visit) {
 
 // The first two reasons, which need no file at all.
 Staleness CBuilderComponent::needsBuildBefore() {
-  if (task_ != E_TASK_BUILD) return {Staleness::Why::TaskRunsAll, {}, {}, 0, 0};
+  if (task_ != E_TASK_BUILD) return {Staleness::Why::TaskRunsAll};
   std::int32_t dirty = 0;
   check(builderSettings()->get_BuildDirty(&dirty));
-  if (dirty) return {Staleness::Why::SettingsChanged, {}, {}, 0, 0};
+  if (dirty) return {Staleness::Why::SettingsChanged};
   return {};
 }
 
 Staleness CBuilderComponent::NeedsBuild(const BString& file) {
   if (Staleness reason = needsBuildBefore()) return reason;
-  if (dependenciesUnknown(file)) return {Staleness::Why::DependenciesUnknown, {}, file, 0, 0};
+  if (dependenciesUnknown(file)) return {Staleness::Why::DependenciesUnknown, {}, file};
   return isOutOfDate({file}, outputNames(file));
 }
 
@@ -63,9 +63,9 @@ Staleness CBuilderComponent::NeedsBuildOnce() {
 
 Staleness CBuilderComponent::isOutOfDate(const std::vector<BString>& inputs,
                                          const std::vector<BString>& outputs) {
-  if (outputs.empty()) return {Staleness::Why::NoOutputs, {}, {}, 0, 0};
+  if (outputs.empty()) return {Staleness::Why::NoOutputs};
   for (const BString& output : outputs) {
-    if (!fileTimes().exists(output)) return {Staleness::Why::OutputMissing, output, {}, 0, 0};
+    if (!fileTimes().exists(output)) return {Staleness::Why::OutputMissing, output};
   }
   for (const BString& output : outputs) {
     if (Staleness reason = outputOutOfDate(inputs, output)) return reason;
@@ -112,7 +112,7 @@ Staleness CBuilderComponent::outputOutOfDate(const std::vector<BString>& inputs,
   const BString marker = markerFor(inputs, output);
   const BString& compared = marker.isNull() ? output : marker;
   const std::optional<FileTime> made = fileTimes().modified(compared);
-  if (!made) return {Staleness::Why::OutputUnreadable, compared, {}, 0, 0};
+  if (!made) return {Staleness::Why::OutputUnreadable, compared, {}, 0, 0, !marker.isNull()};
   Staleness reason;
   for (const BString& input : inputs) {
     forEachDependency(input, [&](const BString& entry) {
@@ -120,6 +120,7 @@ Staleness CBuilderComponent::outputOutOfDate(const std::vector<BString>& inputs,
       if (changed && *changed <= *made) return true;
       reason.why = changed ? Staleness::Why::DependencyNewer : Staleness::Why::DependencyMissing;
       reason.output = compared;
+      reason.marker = !marker.isNull();
       reason.cause = resolveDependency(entry, times_.workingDirectory());
       reason.outputTime = *made;
       reason.causeTime = changed.value_or(0);

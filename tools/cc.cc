@@ -52,13 +52,13 @@ BString CCc::render(ICcSettings& settings, IConfiguration& configuration, const 
   return compilerCommand(settings, program, reportDependencies);
 }
 
-void CCc::DoBuild(e_btr* status) {
+bool CCc::commandReady() {
   const Ref<IConfiguration> configuration = activeConfiguration();
   const auto& inputs = inputFiles().list();
   someAreMatchSpecs_ =
       configuration && valueOf(*configuration, &IConfiguration::get_UpdateFileDependencies) != 0 &&
       std::any_of(inputs.begin(), inputs.end(), [](const BString& name) { return isMatchSpec(name); });
-  Tool::DoBuild(status);
+  return Tool::commandReady();
 }
 
 // Dependencies are kept with the source file that the project finds under a name, and its own names count as

@@ -16,7 +16,7 @@ class CCc final : public TargetToolComponent<ICc, CcSettings, CLSID_Cc> {
   std::pair<BString, BString> newDialogTexts() const override;
   const TargetToolKind& kind() const override;
   BString render(ICcSettings& settings, IConfiguration& configuration, const BString& program) override;
-  void DoBuild(e_btr* status) override;
+  bool commandReady() override;
   void fileBuilt(const BString& file) override { ReadDependencyFile(file); }
   bool dependenciesUnknown(const BString& file) override;
 

@@ -30,7 +30,7 @@ bool CCmdLine::gathersOnce() {
 
 void CCmdLine::DoBuild(e_btr* status) {
   writeHeader();
-  if (!ValidateCommand()) {
+  if (!commandReady()) {
     *status = E_BTR_ERROR;
     return;
   }

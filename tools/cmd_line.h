@@ -16,6 +16,7 @@ class CCmdLine final : public ToolComponent<ICmdLine, CmdLineSettings, CLSID_Cmd
   std::pair<BString, BString> newDialogTexts() const override;
   bool gathersOnce() override;
   void DoBuild(e_btr* status) override;
+  bool commandReady() override { return ValidateCommand(); }
   BString BuildOnceCommand() override;
 
  private:

@@ -67,7 +67,7 @@ int CLinker::GenerateCommand() {
 void CLinker::DoBuild(e_btr* status) {
   *status = E_BTR_COMPLETED;
   if (task() == E_TASK_COMPILE) return;
-  if (GenerateCommand() != 0) {
+  if (!commandReady()) {
     *status = E_BTR_ERROR;
     return;
   }

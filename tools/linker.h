@@ -17,6 +17,7 @@ class CLinker final : public ToolComponent<ILinker, LinkerSettings, CLSID_Linker
   bool gathersOnce() override { return true; }
   void StartTask() override;
   void DoBuild(e_btr* status) override;
+  bool commandReady() override { return GenerateCommand() == 0; }
 
  private:
   // How many inputs are scripts; the last of them becomes ScriptFile.

@@ -52,9 +52,10 @@ class TargetToolComponent : public ToolComponent<Interface, Settings, Clsid> {
   virtual void fileBuilt(const BString& /*file*/) {}
 
   bool gathersOnce() override { return false; }
+  bool commandReady() override { return GenerateCommand() == 0; }
 
   void DoBuild(e_btr* status) override {
-    if (GenerateCommand() != 0) {
+    if (!this->commandReady()) {
       *status = E_BTR_ERROR;
       return;
     }

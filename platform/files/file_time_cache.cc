@@ -73,6 +73,13 @@ void FileTimeCache::endWatching() noexcept {
   readAgain_ = 0;
 }
 
+void FileTimeCache::assume(const BString& path, FileTime time) {
+  Slot& slot = slotFor(path);
+  slot.stamp = {cells_.front(), 0};
+  slot.known = Known::Time;
+  slot.time = time;
+}
+
 void FileTimeCache::forget(const BString& path) noexcept {
   if (slots_.empty()) return;
   if (Slot* slot = find(path, path.hash()); !slot->path.isNull()) slot->known = Known::Nothing;

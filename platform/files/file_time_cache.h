@@ -53,6 +53,8 @@ class FileTimeCache {
   void invalidate() noexcept;
   // Drops the times that a tool which has just ended may have changed: all that aren't watched.
   void afterTool() noexcept;
+  // Takes the file for one of that time until times are dropped. Stamps given for it before stay as they are.
+  void assume(const BString& path, FileTime time);
   // Drops one: after this process itself has written or deleted the file.
   void forget(const BString& path) noexcept;
 
