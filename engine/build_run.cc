@@ -214,6 +214,23 @@ HRESULT CBuildTool::PlanBuild(e_task task, std::vector<PlannedComponent>* out) {
   });
 }
 
+HRESULT CBuildTool::GetDependencies(const BString& file, std::vector<BString>* out) {
+  return guard([&] {
+    out->clear();
+    if (!active_) return E_FAIL;
+    Ref<ISourceFile> found;
+    BString directory;
+    check(active_->FindFileInProject(file, &found));
+    check(active_->get_WorkingDirectory(&directory));
+    const Ref<ISourceFileDependencies> source = found.as<ISourceFileDependencies>();
+    if (!source) return S_OK;
+    for (const auto* list : {&source->manualDependencies(), &source->automaticDependencies()}) {
+      for (const BString& entry : *list) out->push_back(resolveDependency(entry, directory));
+    }
+    return S_OK;
+  });
+}
+
 HRESULT CBuildTool::AddPlanned(PlannedComponent planned) {
   return guard([&] { plan_->push_back(std::move(planned)); });
 }

@@ -23,11 +23,11 @@ namespace forgeyard {
 // The one object that lives for the whole run of the host: it owns the projects of the workspace and the
 // build run, one at a time, and is the last sink of the builder protocol. What a build command reaches first.
 // Main thread only; the answers of worker threads arrive there too.
-class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
-                                          ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>,
-                                          ILoadedObject, IUseCommands, IPersistStorage, IBuildRunResult,
-                                          IWorkspaceRecords, IBuildPlan, IBuildPlanner, SelfDocumenting,
-                                          WeakSource> {
+class CBuildTool final
+    : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, IBuilderOutput, OutputTab,
+                       ConnectionPoints<DBuildToolE, IBuildToolE, IPropertyNotifySink>, ILoadedObject,
+                       IUseCommands, IPersistStorage, IBuildRunResult, IWorkspaceRecords, IBuildPlan,
+                       IBuildPlanner, SelfDocumenting, WeakSource> {
  public:
   CBuildTool();
 
@@ -71,6 +71,7 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
 
   // IBuildPlan
   HRESULT PlanBuild(e_task task, std::vector<PlannedComponent>* out) override;
+  HRESULT GetDependencies(const BString& file, std::vector<BString>* out) override;
   // IBuildPlanner
   bool isPlanning() const override { return plan_ != nullptr; }
   HRESULT AddPlanned(PlannedComponent planned) override;
@@ -132,8 +133,8 @@ class CBuildTool final : public ComObject<Dual<IBuildTool>, Dual<IBuilderTask>, 
   e_task task_ = E_TASK_BUILD;
   bool building_ = false;
   std::vector<PlannedComponent>* plan_ = nullptr;  // while one is made
-  std::optional<e_btr> lastResult_;  // of the last run that ended
-  bool chained_ = false;             // would hold the build run open; nothing sets it
+  std::optional<e_btr> lastResult_;                // of the last run that ended
+  bool chained_ = false;                           // would hold the build run open; nothing sets it
   Ref<IUnknown> saveToken_;
   std::unique_ptr<NamedEvent> stopEvent_;  // held between build runs, so that the name lives
   Ref<IStorage> storage_;

@@ -65,9 +65,13 @@ struct IBuildPlan : IUnknown {
   // newer than all else to those behind it. Left out are components that the build would not get to, since
   // what feeds them has problems. E_FAIL without an active project, E_BUILDING during a build.
   virtual HRESULT PlanBuild(e_task task, std::vector<PlannedComponent>* out) = 0;
+  // What counts beside a source file of the active project when its outputs are compared with it: manual and
+  // automatic dependencies, as full paths. Nothing for a file that isn't in the project.
+  virtual HRESULT GetDependencies(const BString& file, std::vector<BString>* out) = 0;
 };
 
-// Inside the module only, offered by the build tool: takes what a component would do in place of its doing it.
+// Inside the module only, offered by the build tool: takes what a component would do in place of its doing
+// it.
 struct IBuildPlanner : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("5B2D7081-93C4-4E6F-A8D1-2F60C1B49E01");

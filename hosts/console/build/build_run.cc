@@ -80,26 +80,6 @@ class Stopper {
   int count_ = 0;
 };
 
-// Makes another configuration active for its life time.
-class ActiveFor {
- public:
-  ActiveFor(IProject& project, const Ref<IConfiguration>& configuration) : project_(project) {
-    check(project_.get_ActiveConfiguration(&before_));
-    if (before_ != configuration) check(project_.put_ActiveConfiguration(configuration.get()));
-  }
-  ActiveFor(const ActiveFor&) = delete;
-  ActiveFor& operator=(const ActiveFor&) = delete;
-  ~ActiveFor() {
-    Ref<IConfiguration> now;
-    ignore(project_.get_ActiveConfiguration(&now));
-    if (before_ && before_ != now) ignore(project_.put_ActiveConfiguration(before_.get()));
-  }
-
- private:
-  IProject& project_;
-  Ref<IConfiguration> before_;
-};
-
 bool hasLearnt(IProject& project) {
   for (const auto& configuration : configurationsOf(project)) {
     const Ref<IPersistStream> persist = configuration.as<IPersistStream>();
@@ -110,20 +90,6 @@ bool hasLearnt(IProject& project) {
     if (persist && persist->IsDirty() == S_OK) return true;
   }
   return false;
-}
-
-// A file that was cut or made by hand may lack them; no task can start without.
-void requireSettings(const OpenProject& project) {
-  const Ref<IConfiguration> configuration = project.configuration();
-  for (const Component& component : componentsOf(project.project())) {
-    Ref<IUnknown> settings;
-    if (component.kindName() == FOLDER_KIND ||
-        succeeded(component.object->get_Setting(configuration.get(), &settings)))
-      continue;
-    throw Failure(component.name + " has no settings in configuration " + nameOf(*configuration) + ": " +
-                  project.file().host +
-                  " is damaged. Make the component anew, or take the file from a backup.");
-  }
 }
 
 void start(Session& session, std::u16string_view name) {
@@ -193,7 +159,7 @@ void storeWhatWasLearnt(OpenProject& project) {
 
 ExitCode runBuild(OpenProject& project, std::u16string_view command) {
   project.requireConsentIfIncomplete("Build what is left?");
-  requireSettings(project);
+  project.requireSettings();
   ExitCode result = ExitCode::Failure;
   {
     const ActiveFor active(project.project(), project.configuration());

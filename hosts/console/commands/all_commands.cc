@@ -13,15 +13,19 @@ constexpr std::array kGroups{
     CommandGroup{"target", "The tool chains that this user's builds can use"},
 };
 
+// In the order of --help.
+constexpr std::span<const Command> (*kFamilies[])() = {
+    projectCommands,  componentCommands,  connectionCommands, fileCommands,   configurationCommands,
+    propertyCommands, workspaceCommands,  targetCommands,     buildCommands,  planCommands,
+    dumpCommands,     automationCommands, moduleCommands,     doctorCommands,
+};
+
 }  // namespace
 
 std::vector<const Command*> allCommands() {
   std::vector<const Command*> all;
-  for (const auto& family :
-       {projectCommands(), componentCommands(), connectionCommands(), fileCommands(), configurationCommands(),
-        propertyCommands(), workspaceCommands(), targetCommands(), buildCommands(), dumpCommands(),
-        automationCommands(), moduleCommands(), doctorCommands()}) {
-    for (const Command& command : family) all.push_back(&command);
+  for (const auto& family : kFamilies) {
+    for (const Command& command : family()) all.push_back(&command);
   }
   return all;
 }

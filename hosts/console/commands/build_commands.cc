@@ -2,6 +2,7 @@
 
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/commands/command.h"
+#include "hosts/console/plan/dry_run.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/source_files.h"
 #include "hosts/console/services/standard_output.h"
@@ -13,20 +14,26 @@ namespace {
 
 using Kind = Parameter::Kind;
 
-ExitCode run(const Invocation& invocation, std::u16string_view command) {
+constexpr Parameter kDryRun{Kind::Flag, "--dry-run", "", "only list the commands that would run"};
+
+ExitCode run(OpenProject& project, const Invocation& invocation, std::u16string_view command, e_task task) {
+  return invocation.has("--dry-run") ? dryRun(project, task) : runBuild(project, command);
+}
+
+ExitCode run(const Invocation& invocation, std::u16string_view command, e_task task) {
   Session session(invocation.options());
   OpenProject project(session);
-  return runBuild(project, command);
+  return run(project, invocation, command, task);
 }
 
 ExitCode build(const Invocation& invocation) {
-  return run(invocation, u"ProjectBuild");
+  return run(invocation, u"ProjectBuild", E_TASK_BUILD);
 }
 ExitCode rebuild(const Invocation& invocation) {
-  return run(invocation, u"ProjectRebuild");
+  return run(invocation, u"ProjectRebuild", E_TASK_REBUILD);
 }
 ExitCode clean(const Invocation& invocation) {
-  return run(invocation, u"ProjectClean");
+  return run(invocation, u"ProjectClean", E_TASK_CLEAN);
 }
 
 // The files of a command line in the place of those that are selected in a window.
@@ -60,7 +67,7 @@ ExitCode compile(const Invocation& invocation) {
   OpenProject project(session);
   const auto selection = make<FileSelection>(filesNamed(project.project(), invocation.texts("PATH")));
   session.host().frame().setActiveView(selection.get());
-  return runBuild(project, u"ProjectCompile");
+  return run(project, invocation, u"ProjectCompile", E_TASK_COMPILE);
 }
 
 ExitCode stop(const Invocation& invocation) {
@@ -74,12 +81,15 @@ ExitCode stop(const Invocation& invocation) {
 }
 
 constexpr std::array kCommands{
-    Command{"build", "Run what is out of date", {}, build},
-    Command{"rebuild", "Run everything", {}, rebuild},
-    Command{"clean", "Delete what the tools have made", {}, clean},
+    Command{"build", "Run what is out of date", {{kDryRun}}, build},
+    Command{"rebuild", "Run everything", {{kDryRun}}, rebuild},
+    Command{"clean",
+            "Delete what the tools have made",
+            {{{Kind::Flag, "--dry-run", "", "only list the files that would be deleted"}}},
+            clean},
     Command{"compile",
             "Run the components for these source files alone, out of date or not",
-            {{{Kind::Texts, "PATH", "", "source files of the project"}}},
+            {{{Kind::Texts, "PATH", "", "source files of the project"}, kDryRun}},
             compile},
     Command{"stop", "Stop every build of yours, whatever started it", {}, stop},
 };

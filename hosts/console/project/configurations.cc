@@ -28,6 +28,17 @@ Ref<IConfiguration> findConfiguration(IProject& project, const std::string& name
   throw Failure("There is no configuration " + name + "." + suggestion(name, names, "configurations"));
 }
 
+ActiveFor::ActiveFor(IProject& project, const Ref<IConfiguration>& configuration) : project_(project) {
+  check(project_.get_ActiveConfiguration(&before_));
+  if (before_ != configuration) check(project_.put_ActiveConfiguration(configuration.get()));
+}
+
+ActiveFor::~ActiveFor() {
+  Ref<IConfiguration> now;
+  ignore(project_.get_ActiveConfiguration(&now));
+  if (before_ && before_ != now) ignore(project_.put_ActiveConfiguration(before_.get()));
+}
+
 std::string targetOf(IConfiguration& configuration) {
   const Ref<IKVSupportCookies> cookies = query<IKVSupportCookies>(&configuration);
   BString target;

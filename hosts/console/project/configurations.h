@@ -19,4 +19,18 @@ Ref<IConfiguration> findConfiguration(IProject& project, const std::string& name
 // The value of the cookie "Target"; empty if there is none.
 std::string targetOf(IConfiguration& configuration);
 
+// Makes another configuration active for its life time; what is active in the file stays so.
+class ActiveFor {
+ public:
+  // Borrows the project.
+  ActiveFor(IProject& project, const Ref<IConfiguration>& configuration);
+  ActiveFor(const ActiveFor&) = delete;
+  ActiveFor& operator=(const ActiveFor&) = delete;
+  ~ActiveFor();
+
+ private:
+  IProject& project_;
+  Ref<IConfiguration> before_;
+};
+
 }  // namespace forgeyard::console

@@ -1,6 +1,7 @@
 #include "hosts/console/project/open_project.h"
 
 #include "hosts/console/base/failure.h"
+#include "hosts/console/project/components.h"
 #include "hosts/console/project/configurations.h"
 #include "hosts/console/project/damage.h"
 #include "hosts/console/project/workspace.h"
@@ -63,6 +64,18 @@ Ref<IConfiguration> OpenProject::configuration() const {
 
 void OpenProject::requireConsentIfIncomplete(const std::string& question) const {
   if (incomplete_) requireConsent(session_, file_, question);
+}
+
+// A file that was cut or made by hand may lack them.
+void OpenProject::requireSettings() const {
+  const Ref<IConfiguration> at = configuration();
+  for (const Component& component : componentsOf(*project_)) {
+    Ref<IUnknown> settings;
+    if (component.kindName() == FOLDER_KIND || succeeded(component.object->get_Setting(at.get(), &settings)))
+      continue;
+    throw Failure(component.name + " has no settings in configuration " + nameOf(*at) + ": " + file_.host +
+                  " is damaged. Make the component anew, or take the file from a backup.");
+  }
 }
 
 void OpenProject::save() {

@@ -32,6 +32,9 @@ class OpenProject {
   // all of the file is there.
   void requireConsentIfIncomplete(const std::string& question) const;
 
+  // Throws a Failure when a tool has no settings in the configuration at work: no task could start then.
+  void requireSettings() const;
+
   // Into a list of projects that stays: loaded, stored under the name that the file has, and active there
   // if no other project is. Throws a Failure.
   static void insert(Session& session, const ProjectFile& file);

@@ -1,0 +1,68 @@
+#include "hosts/console/plan/build_plan.h"
+
+#include <algorithm>
+#include <numeric>
+
+#include "hosts/console/base/report.h"
+#include "hosts/console/project/configurations.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+std::size_t neededRuns(const PlannedComponent& plan) {
+  return static_cast<std::size_t>(std::count_if(plan.runs.begin(), plan.runs.end(),
+                                                [](const PlannedRun& run) { return bool(run.staleness); }));
+}
+
+std::vector<PlannedComponent> ask(OpenProject& project, e_task task) {
+  const Ref<IBuildPlan> planner = query<IBuildPlan>(&project.session().tool());
+  if (!planner) throw Failure("This module can't tell what a build would do.");
+  const ActiveFor active(project.project(), project.configuration());
+  std::vector<PlannedComponent> planned;
+  require(planner->PlanBuild(task, &planned), "What a build would do can't be told");
+  return planned;
+}
+
+}  // namespace
+
+std::size_t ProjectPlan::needed() const {
+  return std::accumulate(components.begin(), components.end(), std::size_t{0},
+                         [](std::size_t sum, const ComponentPlan& entry) { return sum + entry.needed; });
+}
+
+bool ProjectPlan::hasProblems() const {
+  return std::any_of(components.begin(), components.end(), [](const ComponentPlan& entry) {
+    return !entry.reached || !entry.plan.problems.empty();
+  });
+}
+
+void tellProblems(const ProjectPlan& plan) {
+  for (const ComponentPlan& entry : plan.components) {
+    for (const BString& problem : entry.plan.problems)
+      complain(entry.component.name + ": " + problem.narrow());
+    if (!entry.reached) complain(entry.component.name + " would not be started: what feeds it fails.");
+  }
+}
+
+ProjectPlan planOf(OpenProject& project, e_task task) {
+  project.requireSettings();
+  std::vector<Component> tools = componentsOf(project.project());
+  std::erase_if(tools, [](const Component& component) { return component.kindName() == FOLDER_KIND; });
+  ProjectPlan result;
+  for (PlannedComponent& planned : ask(project, task)) {
+    const auto tool = std::find_if(tools.begin(), tools.end(), [&](const Component& component) {
+      return sameObject(component.object.get(), planned.component.get());
+    });
+    if (tool == tools.end()) continue;
+    const std::size_t needed = neededRuns(planned);
+    result.components.push_back({std::move(*tool), true, std::move(planned), needed});
+    tools.erase(tool);
+  }
+  // In a task for some files alone, or a clean, some components have no part.
+  if (task != E_TASK_BUILD && task != E_TASK_REBUILD) return result;
+  for (Component& tool : tools) result.components.push_back({std::move(tool), false, {}, 0});
+  return result;
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "hosts/console/project/components.h"
+#include "hosts/console/project/open_project.h"
+#include "typelib/build_plan.h"
+
+namespace forgeyard::console {
+
+// A tool component in a plan.
+struct ComponentPlan {
+  Component component;
+  bool reached = true;  // false: nothing below is known, since what feeds it has problems
+  PlannedComponent plan;
+  std::size_t needed = 0;  // runs that are out of date
+};
+
+// What a task would do with the project, in the configuration that the options name: the tool components in
+// the order of the build, behind them those that it would not get to.
+struct ProjectPlan {
+  std::vector<ComponentPlan> components;
+
+  std::size_t needed() const;
+  bool hasProblems() const;
+};
+
+// Runs nothing and stores nothing. Throws a Failure.
+ProjectPlan planOf(OpenProject& project, e_task task);
+
+// What keeps components from running, on standard error.
+void tellProblems(const ProjectPlan& plan);
+
+}  // namespace forgeyard::console

@@ -1,0 +1,46 @@
+#include "hosts/console/plan/dry_run.h"
+
+#include "hosts/console/plan/build_plan.h"
+#include "hosts/console/project/project_paths.h"
+#include "platform/files/file_system.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+void listCommands(LineWriter& out, const ProjectPlan& plan) {
+  for (const ComponentPlan& entry : plan.components) {
+    for (const PlannedRun& run : entry.plan.runs) {
+      if (run.staleness) out.line(run.command.view());
+    }
+  }
+}
+
+void listDeletions(LineWriter& out, const ProjectPlan& plan, const ProjectPaths& paths) {
+  for (const ComponentPlan& entry : plan.components) {
+    for (const BString& file : entry.plan.outputs) {
+      if (files().exists(file)) out.line(paths.toUser(file));
+    }
+  }
+}
+
+}  // namespace
+
+ExitCode dryRun(OpenProject& project, e_task task) {
+  const ProjectPlan plan = planOf(project, task);
+  Session& session = project.session();
+  if (task == E_TASK_CLEAN) {
+    listDeletions(session.output(), plan, ProjectPaths(project.project()));
+    return session.finish();
+  }
+  listCommands(session.output(), plan);
+  // Ahead of what follows on the other stream.
+  session.output().flush();
+  tellProblems(plan);
+  if (plan.hasProblems()) return session.finish(ExitCode::BuildErrors);
+  if (plan.needed() == 0 && !session.options().quiet)
+    session.output().line(std::string_view("All outputs up to date."));
+  return session.finish();
+}
+
+}  // namespace forgeyard::console

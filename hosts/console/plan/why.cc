@@ -1,0 +1,167 @@
+#include "hosts/console/plan/why.h"
+
+#include <algorithm>
+
+#include "hosts/console/base/nearest.h"
+#include "hosts/console/plan/build_plan.h"
+#include "hosts/console/plan/reasons.h"
+#include "hosts/console/project/source_files.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+std::string counted(std::size_t count, const std::string& noun) {
+  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
+}
+
+// A run is named by its file, or else by what it makes.
+std::string subjectOf(const PlannedRun& run, const ProjectPaths& paths) {
+  if (!run.file.isNull()) return paths.toUser(run.file);
+  std::vector<std::string> outputs;
+  for (const BString& output : run.outputs) outputs.push_back(paths.toUser(output));
+  return outputs.empty() ? "all inputs" : enumeration(outputs);
+}
+
+bool contains(const std::vector<BString>& names, const BString& name) {
+  return std::find(names.begin(), names.end(), name) != names.end();
+}
+
+class Explanation {
+ public:
+  Explanation(OpenProject& project, LineWriter& out)
+      : project_(project), out_(out), plan_(planOf(project, E_TASK_BUILD)), paths_(project.project()) {}
+
+  void all(bool upToDateToo) {
+    for (const ComponentPlan& entry : plan_.components) component(entry, upToDateToo);
+  }
+  // False if there is no such component, or no such file.
+  bool component(const std::string& name);
+  bool file(const BString& name);
+
+  std::vector<std::string> names() const;
+  const ProjectPaths& paths() const { return paths_; }
+
+ private:
+  void component(const ComponentPlan& entry, bool upToDateToo);
+  void line(const std::string& where, const PlannedRun& run);
+  std::string summary(const ComponentPlan& entry) const;
+  bool concerns(const PlannedRun& run, const ComponentPlan& entry, const BString& name);
+  bool dependsOn(const BString& file, const BString& name);
+
+  OpenProject& project_;
+  LineWriter& out_;
+  ProjectPlan plan_;
+  ProjectPaths paths_;
+};
+
+std::string Explanation::summary(const ComponentPlan& entry) const {
+  if (!entry.reached) return "would not be started: what feeds it fails";
+  if (!entry.plan.problems.empty()) return "would fail before it runs a tool";
+  if (entry.plan.inputs.empty()) return "no inputs to build";
+  if (entry.needed == 0) return "up to date, " + counted(entry.plan.inputs.size(), "input");
+  if (entry.plan.runs.front().file.isNull())
+    return "would run once for " + counted(entry.plan.inputs.size(), "input");
+  return "would run for " + std::to_string(entry.needed) + " of " + counted(entry.plan.runs.size(), "file");
+}
+
+void Explanation::line(const std::string& where, const PlannedRun& run) {
+  out_.line(where + subjectOf(run, paths_) + ": " + reasonFor(run, paths_) + ".");
+}
+
+void Explanation::component(const ComponentPlan& entry, bool upToDateToo) {
+  out_.line(entry.component.name + ": " + summary(entry) + ".");
+  for (const BString& problem : entry.plan.problems) out_.line("  " + problem.narrow());
+  for (const PlannedRun& run : entry.plan.runs) {
+    if (run.staleness || upToDateToo) line("  ", run);
+  }
+}
+
+bool Explanation::component(const std::string& name) {
+  const auto found = std::find_if(plan_.components.begin(), plan_.components.end(),
+                                  [&](const ComponentPlan& entry) { return entry.component.name == name; });
+  if (found == plan_.components.end()) return false;
+  component(*found, true);
+  return true;
+}
+
+bool Explanation::dependsOn(const BString& file, const BString& name) {
+  const Ref<IBuildPlan> planner = query<IBuildPlan>(&project_.session().tool());
+  std::vector<BString> dependencies;
+  check(planner->GetDependencies(file, &dependencies));
+  return contains(dependencies, name);
+}
+
+// As what goes in, as what comes out, or as what is read beside.
+bool Explanation::concerns(const PlannedRun& run, const ComponentPlan& entry, const BString& name) {
+  if (run.file == name || contains(run.outputs, name)) return true;
+  if (!run.file.isNull()) return dependsOn(run.file, name);
+  return std::any_of(entry.plan.inputs.begin(), entry.plan.inputs.end(),
+                     [&](const BString& input) { return input == name || dependsOn(input, name); });
+}
+
+bool Explanation::file(const BString& name) {
+  bool found = false;
+  for (const ComponentPlan& entry : plan_.components) {
+    const bool without = contains(entry.plan.inputs, name) && entry.plan.runs.empty();
+    if (without) component(entry, true);
+    found = found || without;
+    for (const PlannedRun& run : entry.plan.runs) {
+      if (!concerns(run, entry, name)) continue;
+      line(entry.component.name + ", ", run);
+      found = true;
+    }
+  }
+  return found;
+}
+
+std::vector<std::string> Explanation::names() const {
+  std::vector<std::string> names;
+  for (const ComponentPlan& entry : plan_.components) {
+    names.push_back(entry.component.name);
+    for (const BString& input : entry.plan.inputs) names.push_back(paths_.toUser(input));
+    for (const BString& output : entry.plan.outputs) names.push_back(paths_.toUser(output));
+  }
+  std::sort(names.begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
+  return names;
+}
+
+// What there is to say of a folder, or of a file that no component takes.
+bool explainUnused(OpenProject& project, const std::string& name, const BString& path) {
+  LineWriter& out = project.session().output();
+  for (const FolderContents& folder : foldersOf(project.project())) {
+    if (folder.folder.name == name) {
+      out.line(name + ": a folder runs nothing; it feeds " + counted(folder.files.size(), "file") +
+               " to what is connected to it.");
+      return true;
+    }
+    const bool inside = std::any_of(folder.files.begin(), folder.files.end(),
+                                    [&](const ProjectSource& file) { return file.name == path; });
+    if (!inside) continue;
+    out.line(name + ": no component takes this file of folder " + folder.folder.name +
+             ", and none is known to read it.");
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+ExitCode explain(OpenProject& project, const std::string& name) {
+  Session& session = project.session();
+  Explanation explanation(project, session.output());
+  if (name.empty()) {
+    explanation.all(session.options().verbose);
+    return session.finish();
+  }
+  if (explanation.component(name)) return session.finish();
+  const BString path = explanation.paths().toProject(name);
+  if (!explanation.file(path) && !explainUnused(project, name, path)) {
+    throw Failure(name + " is no component of the project, nor a file that a build of it looks at." +
+                  suggestion(name, explanation.names(), "names"));
+  }
+  return session.finish();
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "hosts/console/base/failure.h"
+#include "hosts/console/project/open_project.h"
+
+namespace forgeyard::console {
+
+// Says of each component, or of the one or the file that is named, why the next build would or would not run
+// a tool for it. Throws a Failure, also for a name that is neither.
+ExitCode explain(OpenProject& project, const std::string& name);
+
+}  // namespace forgeyard::console
