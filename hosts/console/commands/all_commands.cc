@@ -15,9 +15,9 @@ constexpr std::array kGroups{
 
 // In the order of --help.
 constexpr std::span<const Command> (*kFamilies[])() = {
-    projectCommands,  componentCommands,  connectionCommands, fileCommands,   configurationCommands,
-    propertyCommands, workspaceCommands,  targetCommands,     buildCommands,  planCommands,
-    dumpCommands,     automationCommands, moduleCommands,     doctorCommands,
+    projectCommands,       importCommands,   componentCommands,  connectionCommands, fileCommands,
+    configurationCommands, propertyCommands, workspaceCommands,  targetCommands,     buildCommands,
+    planCommands,          dumpCommands,     automationCommands, moduleCommands,     doctorCommands,
 };
 
 }  // namespace

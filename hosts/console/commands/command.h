@@ -80,5 +80,6 @@ std::span<const Command> dumpCommands();
 std::span<const Command> automationCommands();
 std::span<const Command> moduleCommands();
 std::span<const Command> doctorCommands();
+std::span<const Command> importCommands();
 
 }  // namespace forgeyard::console
