@@ -13,6 +13,8 @@ namespace forgeyard {
 namespace {
 
 constexpr std::uint32_t kReadOnly = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READ;
+// A file that somebody works on is looked at all the same.
+constexpr std::uint32_t kLook = STGM_TRANSACTED | STGM_SHARE_DENY_NONE | STGM_READ;
 // Projects have two levels; a file that is made to go on for ever ends here.
 constexpr int kDeepestLevel = 32;
 
@@ -155,7 +157,7 @@ ProjectRecords readProjectRecords(IStorage& root, const BString& path) {
 HRESULT CProject::ReadRecords(const BString& path, ProjectRecords* out) {
   return guard([&] {
     Ref<IStorage> root;
-    check(StgOpenStorage(path, kReadOnly, &root));
+    check(StgOpenStorage(path, kLook, &root));
     *out = readProjectRecords(*root, path);
   });
 }

@@ -87,7 +87,8 @@ struct IProjectRecords : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("5B2D7036-93C4-4E6F-A8D1-2F60C1B49E01");
 
-  // The records of the project file at a model path, which isn't changed. Fails where nothing can be read;
+  // The records of the project file at a model path, which is neither changed nor locked, and may be open
+  // elsewhere. Fails where nothing can be read;
   // all other damage is told in `leftOut`.
   virtual HRESULT ReadRecords(const BString& path, ProjectRecords* out) = 0;
 };

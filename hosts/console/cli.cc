@@ -6,12 +6,12 @@
 #include <functional>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <set>
 #include <sstream>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/all_commands.h"
+#include "hosts/console/commands/common_usage.h"
 #include "hosts/console/services/json_lines.h"
 #include "hosts/console/services/standard_output.h"
 
@@ -21,12 +21,29 @@ namespace {
 
 using Kind = Parameter::Kind;
 
-constexpr const char* kFooter =
-    "\nEvery option above may stand before or behind the command.\n"
-    "Exit codes: 0 success; 1 the build ended with errors, dump found damage, or doctor a problem; 2 wrong\n"
-    "usage, or a file that can't be read or written; 130 stopped.";
 constexpr const char* kShortFooter =
     "\nAlso: -p FILE, -w FILE, -c CONFIGURATION, -y, -q, -v; see forgeyard --help.";
+
+constexpr std::size_t kWidth = 100;
+
+// One below the other as they fit, in lines of at most that width.
+std::string wrapped(const std::string& text) {
+  std::string result;
+  std::size_t start = 0;
+  while (text.size() - start > kWidth) {
+    const std::size_t end = text.rfind(' ', start + kWidth);
+    result += text.substr(start, end - start) + "\n";
+    start = end + 1;
+  }
+  return result + text.substr(start);
+}
+
+std::string footer() {
+  std::string codes = "Exit codes:";
+  for (const UsageNote& code : exitCodes())
+    codes += std::string(codes.ends_with(':') ? " " : "; ").append(code.name).append(" ").append(code.help);
+  return "\nEvery option above may stand before or behind the command.\n" + wrapped(codes + ".");
+}
 
 // The parser takes "[a,b]" for a list and "--name=" for an option whose value follows. Neither is meant here.
 constexpr char kGuard = '\x01';
@@ -49,19 +66,17 @@ std::string unguarded(const std::string& argument) {
   return argument.starts_with(kGuard) ? argument.substr(1) : argument;
 }
 
-std::string firstWord(std::string_view name) {
-  return std::string(name.substr(0, name.find(' ')));
-}
-std::string lastWord(std::string_view name) {
-  return std::string(name.substr(name.rfind(' ') + 1));
-}
-bool hasGroup(std::string_view name) {
-  return name.find(' ') != name.npos;
+// The row of a global option in one of its forms; null for none.
+const GlobalOption* globalOption(std::string_view form) {
+  for (const GlobalOption& option : globalOptions()) {
+    if (form == shortForm(option.row.name) || form == longForm(option.row.name)) return &option;
+  }
+  return nullptr;
 }
 
 bool takesValue(const std::string& argument) {
-  static const std::set<std::string> kWithValue{"-p", "--project", "-w", "--workspace", "-c", "--config"};
-  return kWithValue.contains(argument);
+  const GlobalOption* option = globalOption(argument);
+  return option && option->text;
 }
 
 // The positions of the words that are no options.
@@ -133,29 +148,20 @@ CommandLine::CommandLine(Options& options) {
   app_.get_formatter()->label("Subcommands", "Commands");
   app_.get_formatter()->column_width(28);
   app_.require_subcommand(1);
-  app_.footer(kFooter);
+  app_.footer(footer());
   addGlobalOptions(options);
   for (const Command* command : allCommands()) addCommand(*command);
 }
 
 void CommandLine::addGlobalOptions(Options& options) {
-  app_.add_option(
-          "-p,--project", options.project,
-          "The project file; left out: the one of the current directory, or if there is none the active\n"
-          "project of the workspace")
-      ->type_name("FILE");
-  app_.add_option("-w,--workspace", options.workspace,
-                  "The workspace; left out: your own. Without -p, work on its active project")
-      ->type_name("FILE");
-  app_.add_option("-c,--config", options.configuration,
-                  "The configuration to work on, for this call only; left out: the active one")
-      ->type_name("NAME");
-  app_.add_flag("-y,--yes", options.yes, "Answer questions with yes");
-  app_.add_flag("-q,--quiet", options.quiet,
-                "Show only errors; of a build what the tools print and what fails");
-  app_.add_flag("-v,--verbose", options.verbose, "Say more about what is going on");
-  app_.add_flag("--json", options.json,
-                "Write standard output as one JSON object a line, messages included: see docs/output.md");
+  for (const GlobalOption& option : globalOptions()) {
+    const Parameter& row = option.row;
+    if (option.text) {
+      app_.add_option(row.name, options.*option.text, row.help)->type_name(row.value);
+    } else {
+      app_.add_flag(row.name, options.*option.flag, row.help);
+    }
+  }
 }
 
 CLI::App& CommandLine::parentFor(const Command& command) {
@@ -187,6 +193,7 @@ CLI::Option* CommandLine::addParameter(CLI::App& app, const Parameter& parameter
 void CommandLine::addCommand(const Command& command) {
   CLI::App* app = parentFor(command).add_subcommand(lastWord(command.name), command.help);
   app->fallthrough()->footer(kShortFooter);
+  if (command.hidden) app->group("");
   Leaf leaf{&command, app, {}};
   for (const Parameter& parameter : command.parameters) {
     if (parameter.kind != Kind::None) leaf.parameters.push_back(addParameter(*app, parameter));
@@ -234,6 +241,49 @@ void addOnce(std::vector<std::string>& names, const std::string& name) {
   if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
 }
 
+// Whether an option of that form may stand on a command's line; null for a line that names no command.
+bool isOption(const std::string& form, const Command* command) {
+  if (globalOption(form) || form == "-h" || form == "--help" || form == "--version") return true;
+  if (!command) return false;
+  return std::any_of(command->parameters.begin(), command->parameters.end(),
+                     [&](const Parameter& parameter) { return form == parameter.name; });
+}
+
+std::vector<std::string> optionNames(const Command* command) {
+  std::vector<std::string> names;
+  if (command) {
+    for (const Parameter& parameter : command->parameters) {
+      if (parameter.kind == Kind::Option || parameter.kind == Kind::Flag) names.emplace_back(parameter.name);
+    }
+  }
+  for (const GlobalOption& option : globalOptions()) names.emplace_back(longForm(option.row.name));
+  return names;
+}
+
+const Command* commandNamed(const std::vector<std::string>& given) {
+  for (const Command* command : allCommands()) {
+    const bool whole = hasGroup(command->name)
+                           ? given.size() > 1 && command->name == given[0] + " " + given[1]
+                           : !given.empty() && command->name == given[0];
+    if (whole) return command;
+  }
+  return nullptr;
+}
+
+// The first option that is none; empty if that is not the fault.
+std::string wrongOption(const std::vector<std::string>& arguments) {
+  const Command* command = commandNamed(words(arguments));
+  for (const std::string& argument : arguments) {
+    if (argument == "--") break;
+    const std::string form = argument.substr(0, argument.find('='));
+    if (!form.starts_with("--") || isOption(form, command)) continue;
+    const auto near = nearest(form, optionNames(command));
+    return (command ? std::string(command->name) + " has" : "There is") + " no option " + form + "." +
+           (near ? " Did you mean " + *near + "?" : " Try the same with --help.");
+  }
+  return "";
+}
+
 // What is wrong with the command's own words; empty if that is not the fault.
 std::string wrongCommand(const std::vector<std::string>& arguments) {
   const std::vector<std::string> given = words(arguments);
@@ -241,6 +291,7 @@ std::string wrongCommand(const std::vector<std::string>& arguments) {
   std::vector<std::string> firsts;
   std::vector<std::string> seconds;
   for (const Command* command : allCommands()) {
+    if (command->hidden && command->name != given[0]) continue;
     addOnce(firsts, firstWord(command->name));
     if (hasGroup(command->name) && firstWord(command->name) == given[0])
       seconds.push_back(lastWord(command->name));
@@ -265,8 +316,9 @@ ExitCode show(const std::string& text) {
 
 ExitCode usageError(const std::vector<std::string>& arguments, const CLI::ParseError& error) {
   std::string message = wrongCommand(arguments);
+  if (message.empty()) message = wrongOption(arguments);
   const bool nothingAsked = words(arguments).empty() && dynamic_cast<const CLI::RequiredError*>(&error);
-  if (nothingAsked) message = "What is to be done? forgeyard --help shows the commands.";
+  if (nothingAsked && message.empty()) message = "What is to be done? forgeyard --help shows the commands.";
   if (message.empty()) message = std::string(error.what()) + ". Try the same with --help.";
   complainOfFailure(message);
   return ExitCode::Failure;

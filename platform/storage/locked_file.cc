@@ -65,6 +65,12 @@ LockedFile LockedFile::open(const FilePlace& place, bool forWriting) {
   throw StatusError(STG_E_SHAREVIOLATION);
 }
 
+LockedFile LockedFile::peek(const FilePlace& place) {
+  SharedFile file = place.open(O_RDONLY);
+  requireUsable(*file, false);
+  return {place, std::move(file)};
+}
+
 LockedFile LockedFile::create(const FilePlace& place, const WriteContents& write) {
   NewFile fresh(place);
   write(*fresh.file());

@@ -23,6 +23,8 @@ class LockedFile {
   // STG_E_SHAREVIOLATION if somebody has the file, STG_E_ACCESSDENIED for writing to one that nobody may
   // write to.
   static LockedFile open(const FilePlace& place, bool forWriting);
+  // To read alone: without the lock, whoever has it.
+  static LockedFile peek(const FilePlace& place);
   // STG_E_FILEALREADYEXISTS if something stands there.
   static LockedFile create(const FilePlace& place, const WriteContents& write);
 

@@ -14,10 +14,15 @@ auto writerOf(const CompoundLayout& layout) {
   return [&layout](HostFile& file) { writeCompoundFile(layout, file); };
 }
 
+bool isUnlocked(std::uint32_t mode) {
+  return (mode & STGM_SHARE_DENY_NONE) != 0;
+}
+
 OpenMode rootMode(std::uint32_t mode) {
-  const OpenMode wanted = parseMode(mode);
+  const OpenMode wanted = parseMode(mode & ~STGM_SHARE_DENY_NONE);
   // A root that isn't transacted would have to write each change at once, which can't be done safely.
   if (wanted.write && !wanted.transacted) throw StatusError(STG_E_INVALIDFUNCTION);
+  if (wanted.write && isUnlocked(mode)) throw StatusError(STG_E_INVALIDFUNCTION);
   return wanted;
 }
 
@@ -107,7 +112,8 @@ Ref<IStorage> openRoot(FileCalls& calls, const std::string& hostPath, const BStr
                        std::uint32_t mode) {
   const OpenMode wanted = rootMode(mode);
   if (wanted.create) throw StatusError(STG_E_INVALIDFUNCTION);
-  LockedFile file = LockedFile::open(FilePlace::resolve(calls, hostPath), wanted.write);
+  const FilePlace place = FilePlace::resolve(calls, hostPath);
+  LockedFile file = isUnlocked(mode) ? LockedFile::peek(place) : LockedFile::open(place, wanted.write);
   CompoundContents contents = readCompoundFile(file.file());
   return make<RootStorage>(std::move(file), name, wanted, std::move(contents), false);
 }

@@ -27,6 +27,8 @@ inline constexpr std::uint32_t STGM_READ = 0x0;
 inline constexpr std::uint32_t STGM_WRITE = 0x1;
 inline constexpr std::uint32_t STGM_READWRITE = 0x2;
 inline constexpr std::uint32_t STGM_SHARE_EXCLUSIVE = 0x10;
+// Of a root that is opened to read: takes no lock and minds none.
+inline constexpr std::uint32_t STGM_SHARE_DENY_NONE = 0x40;
 inline constexpr std::uint32_t STGM_CREATE = 0x1000;
 inline constexpr std::uint32_t STGM_TRANSACTED = 0x10000;
 
@@ -112,6 +114,9 @@ struct IDamageReport : IUnknown {
 // StgCreateDocfile: with STGM_CREATE a file that stands there is replaced by the first Commit, and is
 // untouched until then; without it, STG_E_FILEALREADYEXISTS. Where none stands an empty compound file does
 // from now on.
+//
+// With STGM_SHARE_DENY_NONE, which is for reading alone, nobody is locked out, and a file that somebody has
+// locked opens: as its last commit left it, since a commit never writes into a file that stands.
 //
 // StgOpenStorage: STG_E_ACCESSDENIED for writing to a file that is marked as read-only. See IDamageReport for
 // files that are damaged; STG_E_INVALIDHEADER or STG_E_DOCFILECORRUPT where nothing can be read.

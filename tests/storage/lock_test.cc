@@ -33,6 +33,22 @@ TEST_F(Lock, ASecondOpenerInTheProcessIsRefused) {
   }
 }
 
+TEST_F(Lock, WhoOnlyLooksMindsNoneAndTakesNone) {
+  const std::uint32_t look = STGM_TRANSACTED | STGM_SHARE_DENY_NONE | STGM_READ;
+  EXPECT_EQ(openStatus(look | STGM_READWRITE), STG_E_INVALIDFUNCTION);
+  Ref<IStorage> root = create();
+  put(root.get(), u"S", "old");
+  check(root->Commit(STGC_DEFAULT));
+  put(root.get(), u"S", "uncommitted");
+  const Ref<IStorage> looker = open(look);
+  const Contents old{{"S", "old"}};
+  EXPECT_EQ(contentsOf(looker.get()), old);
+  check(root->Commit(STGC_DEFAULT));
+  EXPECT_EQ(contentsOf(looker.get()), old) << "goes on with what it has opened";
+  root = nullptr;
+  EXPECT_EQ(openStatus(kChangeRoot), S_OK);
+}
+
 TEST_F(Lock, HoldsAcrossCommits) {
   const Ref<IStorage> root = create();
   for (int i = 0; i < 3; ++i) {

@@ -34,4 +34,14 @@ std::span<const CommandGroup> commandGroups() {
   return kGroups;
 }
 
+std::string firstWord(std::string_view name) {
+  return std::string(name.substr(0, name.find(' ')));
+}
+std::string lastWord(std::string_view name) {
+  return std::string(name.substr(name.rfind(' ') + 1));
+}
+bool hasGroup(std::string_view name) {
+  return name.find(' ') != name.npos;
+}
+
 }  // namespace forgeyard::console

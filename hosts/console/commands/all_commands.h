@@ -11,4 +11,9 @@ namespace forgeyard::console {
 std::vector<const Command*> allCommands();
 std::span<const CommandGroup> commandGroups();
 
+// The parts of a command's name, which has one word or two.
+std::string firstWord(std::string_view name);
+std::string lastWord(std::string_view name);
+bool hasGroup(std::string_view name);
+
 }  // namespace forgeyard::console

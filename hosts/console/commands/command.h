@@ -13,7 +13,30 @@
 
 namespace forgeyard::console {
 
-// What a command takes behind its name. Help, usage errors and the parser all come from these rows.
+// What an argument names, for the shells to complete it. An argument with a few fixed words lists them as its
+// value, "text|dot|svg".
+enum class Completes : std::uint8_t {
+  Nothing,  // or the words of its value
+  File,
+  Directory,
+  ProjectFile,
+  Component,
+  Folder,
+  ComponentKind,
+  Configuration,
+  SourceFile,               // a file of the project
+  Property,                 // of the component that the argument COMPONENT names
+  Assignment,               // one of those, "=" and a value
+  ConfigurationAssignment,  // the same with those of a configuration
+  Target,
+  Project,  // of the workspace
+  Interface,
+  Class,
+  Command,  // of this program
+};
+
+// What a command takes behind its name. Help, manual, completion, usage errors and the parser all come from
+// these rows.
 struct Parameter {
   enum class Kind : std::uint8_t {
     None,
@@ -27,8 +50,9 @@ struct Parameter {
 
   Kind kind = Kind::None;
   const char* name = "";   // "FILE", or "--folder"
-  const char* value = "";  // of an option: "NAME"
+  const char* value = "";  // of an option: "NAME"; also of an argument with fixed words: "text|dot|svg"
   const char* help = "";
+  Completes completes = Completes::Nothing;
 };
 
 // What the user gave a command, by the names of its parameters.
@@ -57,6 +81,7 @@ struct Command {
   std::array<Parameter, 8> parameters;
   // Throws a Failure.
   ExitCode (*run)(const Invocation&);
+  bool hidden = false;  // for programs: no help names it
 };
 
 // The first words of commands with two, with what they are about.

@@ -25,6 +25,12 @@ ProjectFile projectFileOf(const BString& directory, const BString& name) {
   return file;
 }
 
+Ref<IWorkspaceRecords> recordsReader(Session& session) {
+  Ref<IWorkspaceRecords> reader = query<IWorkspaceRecords>(&session.tool());
+  if (!reader) throw Failure("This module can't look into workspaces.");
+  return reader;
+}
+
 }  // namespace
 
 std::string nameOf(IProject& project) {
@@ -53,17 +59,16 @@ bool isLoaded(IProject& project) {
   return loaded != 0;
 }
 
-std::vector<WorkspaceProject> workspaceProjects(Session& session) {
-  const std::string file = WorkspaceFile::fileFor(session.options().workspace);
+std::vector<WorkspaceProject> workspaceProjects(const Options& options, IWorkspaceRecords& reader) {
+  const std::string file = WorkspaceFile::fileFor(options.workspace);
   const Ref<IStorage> root = WorkspaceFile::openToRead(file);
-  if (!root && !session.options().workspace.empty()) throw Failure("There is no workspace " + file + ".");
+  if (!root && !options.workspace.empty()) throw Failure("There is no workspace " + file + ".");
   Ref<IStorage> storage;
   std::vector<WorkspaceProject> projects;
   if (!root || failed(root->OpenStorage(kToolStorage, STGM_READ | STGM_SHARE_EXCLUSIVE, &storage)))
     return projects;
-  const Ref<IWorkspaceRecords> reader = query<IWorkspaceRecords>(&session.tool());
   WorkspaceRecords records;
-  WorkspaceFile::requireWhole(reader ? reader->ReadProjects(storage.get(), &records) : E_NOINTERFACE, file);
+  WorkspaceFile::requireWhole(reader.ReadProjects(storage.get(), &records), file);
   for (const StoredWorkspaceProject& stored : records.projects) {
     projects.push_back({stored.name.narrow(), projectFileOf(stored.workingDirectory, stored.fileName).host,
                         stored.loaded, projects.size() == records.active});
@@ -71,13 +76,20 @@ std::vector<WorkspaceProject> workspaceProjects(Session& session) {
   return projects;
 }
 
+std::vector<WorkspaceProject> workspaceProjects(Session& session) {
+  return workspaceProjects(session.options(), *recordsReader(session));
+}
+
 ProjectFile chosenProjectFile(Session& session, FileNames names) {
-  const Options& options = session.options();
+  return chosenProjectFile(session.options(), *recordsReader(session), names);
+}
+
+ProjectFile chosenProjectFile(const Options& options, IWorkspaceRecords& reader, FileNames names) {
   const bool workspaceNamed = !options.workspace.empty();
   if (!options.project.empty() || (!workspaceNamed && isProjectFileHere()))
     return existingProjectFile(options.project, names);
   if (!WorkspaceFile::fileFor(options.workspace).empty()) {
-    for (const WorkspaceProject& project : workspaceProjects(session)) {
+    for (const WorkspaceProject& project : workspaceProjects(options, reader)) {
       if (!project.active) continue;
       ProjectFile file = existingProjectFile(project.file, names);
       if (!options.quiet) complain("Working on " + file.host + ", the active project of the workspace.");

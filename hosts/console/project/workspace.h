@@ -6,6 +6,7 @@
 #include "hosts/console/project/project_file.h"
 #include "hosts/console/services/workspace_file.h"
 #include "hosts/console/session/session.h"
+#include "typelib/records.h"
 
 namespace forgeyard::console {
 
@@ -18,12 +19,15 @@ struct WorkspaceProject {
 };
 
 // The projects of the workspace that the options name, else of the user's own, which need not exist. No
-// project is loaded, and nothing is held afterwards. Throws a Failure.
+// project is loaded and nothing is held; the reader stays as it is. Throws a Failure.
+std::vector<WorkspaceProject> workspaceProjects(const Options& options, IWorkspaceRecords& reader);
 std::vector<WorkspaceProject> workspaceProjects(Session& session);
 
 // The project file that a command works on: the one that the options name; else, unless they name a
 // workspace, the only one in the current directory; else the active project of the workspace, which a line
 // tells. Throws a Failure that says what there is instead.
+ProjectFile chosenProjectFile(const Options& options, IWorkspaceRecords& reader,
+                              FileNames names = FileNames::OfProjects);
 ProjectFile chosenProjectFile(Session& session, FileNames names = FileNames::OfProjects);
 
 // A workspace at work: its projects stand in the session's build tool, loaded where they were when it was

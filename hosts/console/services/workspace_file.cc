@@ -21,7 +21,7 @@ std::string environment(const char* name) {
   return value ? value : "";
 }
 
-constexpr std::uint32_t kLook = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READ;
+constexpr std::uint32_t kLook = STGM_TRANSACTED | STGM_SHARE_DENY_NONE | STGM_READ;
 
 bool isMissing(HRESULT status) {
   return status == STG_E_FILENOTFOUND || status == STG_E_PATHNOTFOUND;
