@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "tests/console/console_sandbox.h"
 
@@ -160,6 +161,27 @@ TEST_F(PlanCommands, ListsOfOtherTasks) {
   EXPECT_TRUE(exists("out/prog"));
   EXPECT_EQ(must({"rebuild", "--dry-run"}).lines().size(), 2u);
   EXPECT_EQ(must({"compile", "main.c", "--dry-run"}).lines().size(), 1u);
+}
+
+TEST_F(PlanCommands, ProgramsReadTheSameAsObjects) {
+  makeProgramProject({"main.c"});
+  put("main.c", "int main(void) { return 0; }\n");
+  must({"build"});
+  touch("main.c");
+  const Lines why = must({"--json", "why"}).lines();
+  ASSERT_EQ(why.size(), 5u);
+  const auto component = nlohmann::json::parse(why[0]);
+  EXPECT_EQ(component.at("type"), "component");
+  EXPECT_EQ(component.at("state"), "out-of-date");
+  EXPECT_EQ(component.at("inputs"), nlohmann::json({"main.c"}));
+  const auto run = nlohmann::json::parse(why[1]);
+  EXPECT_EQ(run.at("type"), "planned_run");
+  EXPECT_EQ(run.at("reason"), "dependency-newer");
+  EXPECT_EQ(run.at("cause"), "main.c");
+  EXPECT_GT(run.at("cause_time_ns"), run.at("output_time_ns"));
+  EXPECT_FALSE(nlohmann::json::parse(why[3]).contains("cause_time_ns")) << "is yet to be made";
+  const auto project = nlohmann::json::parse(must({"--json", "status"}).lines()[0]);
+  EXPECT_EQ(project.at("target"), "native");
 }
 
 TEST_F(PlanCommands, NamesThatAreNoneGetASuggestion) {

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "hosts/console/base/words.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/doctor/checks.h"
 #include "hosts/console/services/json_lines.h"
@@ -31,10 +32,6 @@ void showObject(LineWriter& out, const Finding& finding) {
       {"state", toText(finding.state)}, {"subject", finding.subject}, {"text", finding.text}};
   if (!finding.advice.empty()) members["advice"] = finding.advice;
   writeObject(out, "finding", members);
-}
-
-std::string counted(std::size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 std::string verdict(std::size_t problems, std::size_t warnings) {

@@ -26,6 +26,35 @@ std::vector<PlannedComponent> ask(OpenProject& project, e_task task) {
 
 }  // namespace
 
+ComponentState stateOf(const ComponentPlan& entry) {
+  if (!entry.reached) return ComponentState::Waits;
+  if (!entry.plan.problems.empty()) return ComponentState::Fails;
+  if (entry.plan.inputs.empty()) return ComponentState::NoInputs;
+  return entry.needed == 0 ? ComponentState::UpToDate : ComponentState::OutOfDate;
+}
+
+const char* toText(ComponentState state) {
+  static constexpr const char* kNames[] = {"up-to-date", "out-of-date", "no-inputs", "fails", "waits"};
+  return kNames[static_cast<std::size_t>(state)];
+}
+
+std::string stateWords(const ComponentPlan& entry) {
+  switch (stateOf(entry)) {
+    case ComponentState::UpToDate:
+      return "up to date";
+    case ComponentState::OutOfDate:
+      return entry.plan.runs.front().file.isNull() ? "out of date"
+                                                   : std::to_string(entry.needed) + " out of date";
+    case ComponentState::NoInputs:
+      return "no inputs to build";
+    case ComponentState::Fails:
+      return "can't run";
+    case ComponentState::Waits:
+      return "waits for what feeds it";
+  }
+  return "";
+}
+
 std::size_t ProjectPlan::needed() const {
   return std::accumulate(components.begin(), components.end(), std::size_t{0},
                          [](std::size_t sum, const ComponentPlan& entry) { return sum + entry.needed; });

@@ -17,6 +17,13 @@ struct ComponentPlan {
   std::size_t needed = 0;  // runs that are out of date
 };
 
+enum class ComponentState { UpToDate, OutOfDate, NoInputs, Fails, Waits };
+ComponentState stateOf(const ComponentPlan& entry);
+// For programs: "up-to-date", "out-of-date", "no-inputs", "fails", "waits".
+const char* toText(ComponentState state);
+// For people: "2 out of date".
+std::string stateWords(const ComponentPlan& entry);
+
 // What a task would do with the project, in the configuration that the options name: the tool components in
 // the order of the build, behind them those that it would not get to.
 struct ProjectPlan {

@@ -1,6 +1,7 @@
 #include "hosts/console/plan/dry_run.h"
 
 #include "hosts/console/plan/build_plan.h"
+#include "hosts/console/plan/plan_json.h"
 #include "hosts/console/project/project_paths.h"
 #include "platform/files/file_system.h"
 
@@ -8,10 +9,15 @@ namespace forgeyard::console {
 
 namespace {
 
-void listCommands(LineWriter& out, const ProjectPlan& plan) {
+void listCommands(Session& session, const ProjectPlan& plan, const ProjectPaths& paths) {
   for (const ComponentPlan& entry : plan.components) {
     for (const PlannedRun& run : entry.plan.runs) {
-      if (run.staleness) out.line(run.command.view());
+      if (!run.staleness) continue;
+      if (session.options().json) {
+        writeRun(session.output(), entry.component, run, paths);
+      } else {
+        session.output().line(run.command.view());
+      }
     }
   }
 }
@@ -29,11 +35,12 @@ void listDeletions(LineWriter& out, const ProjectPlan& plan, const ProjectPaths&
 ExitCode dryRun(OpenProject& project, e_task task) {
   const ProjectPlan plan = planOf(project, task);
   Session& session = project.session();
+  const ProjectPaths paths(project.project());
   if (task == E_TASK_CLEAN) {
-    listDeletions(session.output(), plan, ProjectPaths(project.project()));
+    listDeletions(session.output(), plan, paths);
     return session.finish();
   }
-  listCommands(session.output(), plan);
+  listCommands(session, plan, paths);
   // Ahead of what follows on the other stream.
   session.output().flush();
   tellProblems(plan);

@@ -1,38 +1,28 @@
 #include "hosts/console/plan/status.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/program_paths.h"
+#include "hosts/console/base/words.h"
 #include "hosts/console/plan/build_plan.h"
+#include "hosts/console/plan/plan_json.h"
 #include "hosts/console/project/configurations.h"
 #include "hosts/console/project/source_files.h"
+#include "hosts/console/services/json_lines.h"
 #include "hosts/console/session/first_start.h"
 #include "hosts/console/session/targets.h"
-#include "platform/files/host_location.h"
 #include "typelib/classes.h"
 
 namespace forgeyard::console {
 
 namespace {
 
-std::string counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
-
-std::string stateOf(const ComponentPlan& entry) {
-  if (!entry.reached) return "waits for what feeds it";
-  if (!entry.plan.problems.empty()) return "can't run";
-  if (entry.plan.inputs.empty()) return "no inputs to build";
-  if (entry.needed == 0) return "up to date";
-  return entry.plan.runs.front().file.isNull() ? "out of date"
-                                               : std::to_string(entry.needed) + " out of date";
-}
+using Json = nlohmann::ordered_json;
 
 std::string feedOf(const FolderContents& folder) {
-  std::int32_t enabled = 1;
-  check(folder.folder.object.as<IFolder>()->get_Enabled(&enabled));
-  return counted(folder.files.size(), "file") + (enabled ? "" : ", disabled in this configuration");
+  return counted(folder.files.size(), "file") + (isEnabled(folder) ? "" : ", disabled in this configuration");
 }
 
 // Lines in columns: kind, name, and what there is to say.
@@ -58,18 +48,23 @@ void showComponents(OpenProject& project, const ProjectPlan& plan) {
     const std::string files = counted(entry.plan.inputs.size(), "input") + ", " +
                               counted(entry.plan.outputs.size(), "output") + ", ";
     rows.push_back(
-        {entry.component.kindName(), entry.component.name, (entry.reached ? files : "") + stateOf(entry)});
+        {entry.component.kindName(), entry.component.name, (entry.reached ? files : "") + stateWords(entry)});
   }
   table(project.session().output(), rows);
 }
 
+struct MissingTool {
+  std::string component;
+  std::string text;
+};
+
 // The programs that the components' commands begin with, and those that adapters drive, as far as they are
 // missing.
-std::vector<std::string> missingTools(Session& session, const ProjectPlan& plan) {
+std::vector<MissingTool> missingTools(Session& session, const ProjectPlan& plan) {
   const std::string adapters = adapterDirectory(session.registry());
-  std::vector<std::string> missing;
+  std::vector<MissingTool> missing;
   const auto note = [&](const std::string& component, const std::string& program) {
-    missing.push_back(component + ": " + program + " is not found in " + adapters + " or on PATH");
+    missing.push_back({component, program + " is not found in " + adapters + " or on PATH"});
   };
   for (const ComponentPlan& entry : plan.components) {
     if (entry.plan.runs.empty()) continue;
@@ -78,7 +73,7 @@ std::vector<std::string> missingTools(Session& session, const ProjectPlan& plan)
     if (!entry.component.kind || entry.component.kind->clsid != CLSID_Linker) continue;
     const std::string linker = registeredLinker(session.registry());
     if (linker.empty()) {
-      missing.push_back(entry.component.name + ": no GNU linker is registered: forgeyard target detect");
+      missing.push_back({entry.component.name, "no GNU linker is registered: forgeyard target detect"});
     } else if (!findProgram(linkerProgram(linker))) {
       note(entry.component.name, linkerProgram(linker));
     }
@@ -86,40 +81,67 @@ std::vector<std::string> missingTools(Session& session, const ProjectPlan& plan)
   return missing;
 }
 
-void showMissing(OpenProject& project, const ProjectPlan& plan) {
+// All that the command tells, gathered before a word of it is written.
+struct Status {
+  std::string name;
+  std::string configuration;
+  std::string target;
+  bool unsaved = false;
+  ProjectPlan plan;
+  std::vector<MissingTool> missing;
+};
+
+Status statusOf(OpenProject& project) {
+  std::int32_t changed = 0;
+  check(project.project().get_Dirty(&changed));
+  BString name;
+  check(project.project().get_Name(&name));
+  const Ref<IConfiguration> configuration = project.configuration();
+  Status status{name.narrow(), nameOf(*configuration),        targetOf(*configuration),
+                changed != 0,  planOf(project, E_TASK_BUILD), {}};
+  status.missing = missingTools(project.session(), status.plan);
+  return status;
+}
+
+void showLines(OpenProject& project, const Status& status) {
   LineWriter& out = project.session().output();
-  for (const ComponentPlan& entry : plan.components) {
+  out.line(status.name + " (" + project.file().host + "), configuration " + status.configuration +
+           (status.target.empty() ? ", no target" : ", target " + status.target));
+  showComponents(project, status.plan);
+  for (const ComponentPlan& entry : status.plan.components) {
     for (const BString& problem : entry.plan.problems)
       out.line("Problem: " + entry.component.name + ": " + problem.narrow());
   }
-  for (const std::string& line : missingTools(project.session(), plan)) out.line("Missing: " + line + ".");
+  for (const MissingTool& tool : status.missing)
+    out.line("Missing: " + tool.component + ": " + tool.text + ".");
+  if (project.isIncomplete())
+    out.line(std::string_view("A part of the file could not be read; saving would lose it."));
+  if (status.unsaved) out.line(std::string_view("The project has changes that are not stored."));
 }
 
-std::string headLine(OpenProject& project) {
-  const Ref<IConfiguration> configuration = project.configuration();
-  const std::string target = targetOf(*configuration);
-  BString name;
-  check(project.project().get_Name(&name));
-  return name.narrow() + " (" + project.file().host + "), configuration " + nameOf(*configuration) +
-         (target.empty() ? ", no target" : ", target " + target);
+void showObjects(OpenProject& project, const Status& status) {
+  LineWriter& out = project.session().output();
+  Json members{{"project", status.name},
+               {"file", project.file().host},
+               {"configuration", status.configuration},
+               {"incomplete", project.isIncomplete()},
+               {"unsaved", status.unsaved}};
+  if (!status.target.empty()) members["target"] = status.target;
+  writeObject(out, "project", members);
+  const ProjectPaths paths(project.project());
+  for (const FolderContents& folder : foldersOf(project.project())) writeFolder(out, folder, paths);
+  for (const ComponentPlan& entry : status.plan.components) writeComponent(out, entry, paths);
+  for (const MissingTool& tool : status.missing)
+    writeObject(out, "missing_tool", {{"component", tool.component}, {"text", tool.text}});
 }
 
 }  // namespace
 
 ExitCode showStatus(OpenProject& project) {
-  LineWriter& out = project.session().output();
-  std::int32_t changed = 0;
-  check(project.project().get_Dirty(&changed));
-  const ProjectPlan plan = planOf(project, E_TASK_BUILD);
-  out.line(headLine(project));
-  showComponents(project, plan);
-  showMissing(project, plan);
-  if (project.isIncomplete()) {
-    out.line(std::string_view("A part of the file could not be read; saving would lose it."));
-  } else if (changed) {
-    out.line(std::string_view("The project has changes that are not stored."));
-  }
-  return project.session().finish(plan.hasProblems() ? ExitCode::BuildErrors : ExitCode::Success);
+  const ActiveFor active(project.project(), project.configuration());
+  const Status status = statusOf(project);
+  project.session().options().json ? showObjects(project, status) : showLines(project, status);
+  return project.session().finish(status.plan.hasProblems() ? ExitCode::BuildErrors : ExitCode::Success);
 }
 
 }  // namespace forgeyard::console

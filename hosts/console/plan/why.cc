@@ -3,17 +3,15 @@
 #include <algorithm>
 
 #include "hosts/console/base/nearest.h"
+#include "hosts/console/base/words.h"
 #include "hosts/console/plan/build_plan.h"
+#include "hosts/console/plan/plan_json.h"
 #include "hosts/console/plan/reasons.h"
 #include "hosts/console/project/source_files.h"
 
 namespace forgeyard::console {
 
 namespace {
-
-std::string counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
-}
 
 // A run is named by its file, or else by what it makes.
 std::string subjectOf(const PlannedRun& run, const ProjectPaths& paths) {
@@ -44,7 +42,9 @@ class Explanation {
 
  private:
   void component(const ComponentPlan& entry, bool upToDateToo);
-  void line(const std::string& where, const PlannedRun& run);
+  void head(const ComponentPlan& entry);
+  void run(const std::string& where, const ComponentPlan& entry, const PlannedRun& run);
+  bool json() const { return project_.session().options().json; }
   std::string summary(const ComponentPlan& entry) const;
   bool concerns(const PlannedRun& run, const ComponentPlan& entry, const BString& name);
   bool dependsOn(const BString& file, const BString& name);
@@ -65,15 +65,21 @@ std::string Explanation::summary(const ComponentPlan& entry) const {
   return "would run for " + std::to_string(entry.needed) + " of " + counted(entry.plan.runs.size(), "file");
 }
 
-void Explanation::line(const std::string& where, const PlannedRun& run) {
+void Explanation::run(const std::string& where, const ComponentPlan& entry, const PlannedRun& run) {
+  if (json()) return writeRun(out_, entry.component, run, paths_);
   out_.line(where + subjectOf(run, paths_) + ": " + reasonFor(run, paths_) + ".");
 }
 
-void Explanation::component(const ComponentPlan& entry, bool upToDateToo) {
+void Explanation::head(const ComponentPlan& entry) {
+  if (json()) return writeComponent(out_, entry, paths_);
   out_.line(entry.component.name + ": " + summary(entry) + ".");
   for (const BString& problem : entry.plan.problems) out_.line("  " + problem.narrow());
-  for (const PlannedRun& run : entry.plan.runs) {
-    if (run.staleness || upToDateToo) line("  ", run);
+}
+
+void Explanation::component(const ComponentPlan& entry, bool upToDateToo) {
+  head(entry);
+  for (const PlannedRun& planned : entry.plan.runs) {
+    if (planned.staleness || upToDateToo) run("  ", entry, planned);
   }
 }
 
@@ -104,11 +110,11 @@ bool Explanation::file(const BString& name) {
   bool found = false;
   for (const ComponentPlan& entry : plan_.components) {
     const bool without = contains(entry.plan.inputs, name) && entry.plan.runs.empty();
-    if (without) component(entry, true);
+    if (without) head(entry);
     found = found || without;
-    for (const PlannedRun& run : entry.plan.runs) {
-      if (!concerns(run, entry, name)) continue;
-      line(entry.component.name + ", ", run);
+    for (const PlannedRun& planned : entry.plan.runs) {
+      if (!concerns(planned, entry, name)) continue;
+      run(entry.component.name + ", ", entry, planned);
       found = true;
     }
   }

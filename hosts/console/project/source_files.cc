@@ -25,6 +25,12 @@ std::vector<FolderContents> foldersOf(IProject& project) {
   return folders;
 }
 
+bool isEnabled(const FolderContents& folder) {
+  std::int32_t enabled = 0;
+  check(folder.folder.object.as<IFolder>()->get_Enabled(&enabled));
+  return enabled != 0;
+}
+
 SourceNames::SourceNames(const std::vector<FolderContents>& folders) {
   for (const FolderContents& folder : folders) {
     for (const ProjectSource& file : folder.files) byName_.emplace(file.name, &file);

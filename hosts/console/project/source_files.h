@@ -23,6 +23,9 @@ struct FolderContents {
   std::vector<ProjectSource> files;
 };
 
+// Whether it feeds its files to what is connected, in the active configuration.
+bool isEnabled(const FolderContents& folder);
+
 // All folders, in the project's order.
 std::vector<FolderContents> foldersOf(IProject& project);
 

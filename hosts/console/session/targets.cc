@@ -6,6 +6,7 @@
 #include <set>
 
 #include "hosts/console/base/program_paths.h"
+#include "platform/files/host_location.h"
 #include "platform/paths/command_line.h"
 
 namespace forgeyard::console {
@@ -138,7 +139,9 @@ bool removeTarget(Registry& registry, const std::string& name) {
 
 std::vector<ToolProgram> programsOf(const std::string& commandLine, const std::string& adapterDirectory) {
   std::vector<ToolProgram> programs;
-  for (const std::string& word : CommandLineToArgvW(commandLine)) {
+  for (const std::string& typed : CommandLineToArgvW(commandLine)) {
+    const bool modelPath = typed.find('\\') != std::string::npos;
+    const std::string word = modelPath ? toHost(BString::fromNarrow(typed)).value_or(typed) : typed;
     const bool adapter = word == kCompilerAdapter || word == kAssemblerAdapter;
     std::string installed = std::string(adapterDirectory).append("/").append(word);
     programs.push_back({word, adapter, isExecutable(installed) ? std::move(installed) : findProgram(word)});
