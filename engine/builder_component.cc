@@ -27,14 +27,9 @@ CBuilderComponent::CBuilderComponent() = default;
 
 // What all tool components store and ask
 
-void CBuilderComponent::loadRecord(RecordReader& record) {
-  setName(record.listedString());
-  setId(record.i32());
-}
-
-void CBuilderComponent::saveRecord(RecordWriter& record) {
-  record.listedString(name());
-  record.i32(id());
+void CBuilderComponent::describeRecord(RecordFields& fields) {
+  describeName(fields);
+  describeId(fields);
 }
 
 Ref<IUnknown> CBuilderComponent::cloneSettings(IUnknown& settings) {

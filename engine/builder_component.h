@@ -72,8 +72,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   void ReportResult(e_btr status) override;
 
   // CComponentBase
-  void loadRecord(RecordReader& record) override;
-  void saveRecord(RecordWriter& record) override;
+  void describeRecord(RecordFields& fields) override;
   Ref<IUnknown> cloneSettings(IUnknown& settings) override;
   void settingsApplied(IUnknown& old, IUnknown& now) override;
 

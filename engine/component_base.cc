@@ -224,7 +224,9 @@ HRESULT CComponentBase::Load(IStorage* storage) {
     keep(storage);
     Ref<IStream> stream;
     if (succeeded(storage->OpenStream(streamName(), STGM_READ | STGM_SHARE_EXCLUSIVE, &stream))) {
-      loadOwnStream(*stream);
+      RecordReader record(stream.get());
+      LoadFields fields(record);
+      describeOwnStream(fields);
     }
     stream = nullptr;
     loadStreams(*storage);
@@ -235,26 +237,20 @@ HRESULT CComponentBase::Load(IStorage* storage) {
   });
 }
 
-void CComponentBase::loadOwnStream(IStream& stream) {
-  RecordReader record(&stream);
-  record.u32();  // version
-  loadRecord(record);
+void CComponentBase::describeOwnStream(RecordFields& fields) {
+  fields.unusedVersion(u"version");
+  describeRecord(fields);
 }
 
-HRESULT CComponentBase::ReadRecords(IStorage* storage, StoredComponent* out) {
-  return guard([&] {
-    RecordListing listing(out->leftOut);
-    listing.stream(*storage, streamName(), [&](IStream& stream) { loadOwnStream(stream); });
-    listStreams(*storage, listing, *out);
-    listing.stream(*storage, kSettingsStream, [&](IStream& stream) {
-      RecordReader reader(&stream);
-      reader.u32();  // version
-      listing.records(reader, [&] {
-        StoredComponentSettings entry{reader.listedString(), newSettings()};
-        check(entry.settings.as<IPersistStream>()->Load(&stream));
-        out->settings.push_back(std::move(entry));
-      });
-    });
+void CComponentBase::describeRecords(RecordStreams& streams) {
+  streams.record(streamName(), {}, [this](RecordFields& fields) { describeOwnStream(fields); });
+  describeStreams(streams);
+  streams.list({kSettingsStream, u"settings", true, {}}, [this](RecordFields& fields) {
+    BString configuration;
+    fields.text(u"configuration", configuration);
+    const Ref<IRecord> record = newSettings().as<IRecord>();
+    check(record ? S_OK : E_NOINTERFACE);
+    record->describe(fields);
   });
 }
 
@@ -302,8 +298,8 @@ HRESULT CComponentBase::Save(IStorage* storage, bool) {
     {
       const Ref<IStream> stream = streamForWriting(*target, streamName());
       RecordWriter record(stream.get());
-      record.u32(0);
-      saveRecord(record);
+      SaveFields fields(record);
+      describeOwnStream(fields);
     }
     saveStreams(*target);
     saveSettings(*streamForWriting(*target, kSettingsStream));

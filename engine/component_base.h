@@ -5,11 +5,10 @@
 
 #include "engine/builder_node.h"
 #include "engine/output_tab.h"
-#include "engine/record_listing.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
 #include "platform/storage/persist.h"
-#include "platform/storage/records.h"
+#include "platform/storage/record_fields.h"
 #include "typelib/component.h"
 #include "typelib/configuration.h"
 #include "typelib/host.h"
@@ -63,7 +62,7 @@ class CComponentBase : public CBuilderInputOutput,
   HRESULT OnDeletedConfiguration(IConfiguration* old) override;
 
   // IComponentRecords
-  HRESULT ReadRecords(IStorage* storage, StoredComponent* out) override;
+  void describeRecords(RecordStreams& streams) override;
 
  protected:
   // A new settings object with the class's defaults; it has IPersistStream.
@@ -73,13 +72,11 @@ class CComponentBase : public CBuilderInputOutput,
   virtual void settingsApplied(IUnknown& old, IUnknown& now) = 0;
   // The component's own stream, which begins with a version: its name, and what stands in it.
   virtual const char16_t* streamName() const = 0;
-  virtual void loadRecord(RecordReader& record) = 0;
-  virtual void saveRecord(RecordWriter& record) = 0;
+  virtual void describeRecord(RecordFields& fields) = 0;
   // Further streams.
   virtual void loadStreams(IStorage&) {}
   virtual void saveStreams(IStorage&) {}
-  // Their records, for who looks into the file.
-  virtual void listStreams(IStorage&, RecordListing&, StoredComponent&) {}
+  virtual void describeStreams(RecordStreams&) {}
   // On BeforeSettings and AfterSettings, for state outside the settings objects.
   virtual void snapshot() {}
   virtual void endTransaction(bool /*apply*/) {}
@@ -104,6 +101,8 @@ class CComponentBase : public CBuilderInputOutput,
   void setName(const BString& name) { name_ = name; }
   std::int32_t id() const { return id_; }
   void setId(std::int32_t id) { id_ = id; }
+  void describeName(RecordFields& fields) { fields.text(u"Name", name_); }
+  void describeId(RecordFields& fields) { fields.number(u"Id", id_); }
   void markChanged() { changed_ = true; }
 
   // Opens an existing stream of the kept storage for writing, else creates it.
@@ -117,7 +116,7 @@ class CComponentBase : public CBuilderInputOutput,
   void put(IConfiguration* configuration, Ref<IUnknown> settings);
   void keep(IStorage* storage);
   void rememberStored();
-  void loadOwnStream(IStream& stream);
+  void describeOwnStream(RecordFields& fields);
   void loadSettings(IStream& stream);
   void saveSettings(IStream& stream);
 

@@ -35,13 +35,32 @@ bool isWhole(const Ref<IProject>& project) {
 void list(const Ref<IProject>& project, const BString& path) {
   ProjectRecords records;
   if (failed(project.as<IProjectRecords>()->ReadRecords(path, &records))) return;
-  require(records.load.configurations <= records.configurations.size());
-  require(records.load.components <= records.components.size());
-  require(records.load.connections <= records.connections.size());
+  const auto count = [&](const char* name) {
+    const RecordNode* list = records.records.find(name);
+    return list ? list->get<RecordNode::List>()->size() : 0;
+  };
+  require(records.load.configurations <= count("configurations"));
+  require(records.load.components <= count("components"));
+  require(records.load.connections <= count("connections"));
   if (records.load.leftOut.empty()) {
-    require(records.load.connections == records.connections.size());
-    require(records.load.configurations == records.configurations.size());
+    require(records.load.connections == count("connections"));
+    require(records.load.configurations == count("configurations"));
   }
+}
+
+// What the records say makes the same file again.
+void restore(const Ref<IProject>& project, const BString& path, const BString& copy) {
+  ProjectRecords records;
+  const Ref<IProjectRecords> reader = project.as<IProjectRecords>();
+  if (failed(reader->ReadRecords(path, &records))) return;
+  RecordFault fault;
+  if (failed(reader->WriteRecords(copy, records.records, true, &fault))) {
+    // Names that other programs have made, and we don't.
+    require(fault.what.find("name") != std::string::npos);
+    return;
+  }
+  ProjectRecords again;
+  require(reader->ReadRecords(copy, &again) == S_OK && again.records == records.records);
 }
 
 void loadAndSave() {
@@ -64,6 +83,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string file = fuzz::scratchDirectory() + "/in.nqp";
   fuzz::putFile(file, data, size);
   list(fuzz::ProjectHost::project(kFile), toModel(file).path);
+  restore(fuzz::ProjectHost::project(kFile), toModel(file).path,
+          toModel(fuzz::scratchDirectory() + "/copy.nqp").path);
   loadAndSave();
   std::filesystem::remove(file);
   return 0;

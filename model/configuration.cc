@@ -15,24 +15,16 @@ enum Notification : std::int32_t { kName = 1, kOutputDirectory = 2, kIntermediat
 
 }  // namespace
 
-void ConfigurationRecord::load(RecordReader& record) {
-  const std::uint32_t version = record.u32();
-  name = record.listedString();
-  outputDirectory = record.listedString();
-  intermediateDirectory = record.listedString();
-  if (version > 0) cookies.load(record);
-  if (version > 1) buildDirty = record.u8() != 0;
-  if (version > 2) updateFileDependencies = record.u8() != 0;
-}
-
-void ConfigurationRecord::save(RecordWriter& record) const {
-  record.u32(kRecordVersion);
-  record.listedString(name);
-  record.listedString(outputDirectory);
-  record.listedString(intermediateDirectory);
-  cookies.save(record);
-  record.u8(buildDirty ? 1 : 0);
-  record.u8(updateFileDependencies ? 1 : 0);
+void ConfigurationRecord::describe(RecordFields& fields) {
+  const std::uint32_t version = fields.version(kRecordVersion);
+  fields.text(u"Name", name);
+  fields.text(u"OutputDirectory", outputDirectory);
+  fields.text(u"IntermediateDirectory", intermediateDirectory);
+  TextPairs pairs = cookies.pairs();
+  fields.pairs(u"cookies", pairs, version > 0);
+  cookies.assign(pairs);
+  fields.learnt().flag(u"BuildDirty", buildDirty, version > 1);
+  fields.flag(u"UpdateFileDependencies", updateFileDependencies, version > 2);
 }
 
 HRESULT CConfiguration::putAndNotify(BString& field, const BString& value, std::int32_t id) {
@@ -163,8 +155,9 @@ HRESULT CConfiguration::IsDirty() {
 HRESULT CConfiguration::Load(IStream* stream) {
   return guard([&] {
     RecordReader reader(stream);
+    LoadFields fields(reader);
     ConfigurationRecord record;
-    record.load(reader);
+    record.describe(fields);
     record_ = stored_ = std::move(record);
     inFile_ = true;
   });
@@ -173,7 +166,8 @@ HRESULT CConfiguration::Load(IStream* stream) {
 HRESULT CConfiguration::Save(IStream* stream, bool clearDirty) {
   return guard([&] {
     RecordWriter writer(stream);
-    record_.save(writer);
+    SaveFields fields(writer);
+    record_.describe(fields);
     if (!clearDirty) return;
     stored_ = record_;
     inFile_ = true;

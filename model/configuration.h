@@ -23,9 +23,8 @@ struct ConfigurationRecord {
   bool buildDirty = true;
   bool updateFileDependencies = true;
 
-  // Throw StatusError. Fields that an older record lacks keep their defaults.
-  void load(RecordReader& record);
-  void save(RecordWriter& record) const;
+  // Fields that an older record lacks keep their defaults.
+  void describe(RecordFields& fields);
   friend bool operator==(const ConfigurationRecord&, const ConfigurationRecord&) = default;
 };
 

@@ -1,6 +1,5 @@
 #include "model/connection.h"
 
-#include "platform/storage/records.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {
@@ -21,6 +20,12 @@ HRESULT give(const Ref<IComponent>& end, Ref<IComponent>* out) {
 }
 
 }  // namespace
+
+void CConnection::describe(RecordFields& fields, std::int32_t& from, std::int32_t& to) {
+  fields.unusedVersion(u"version");
+  fields.number(u"from", from);
+  fields.number(u"to", to);
+}
 
 HRESULT CConnection::get_From(Ref<IComponent>* out) {
   return give(from_, out);
@@ -66,9 +71,10 @@ HRESULT CConnection::Load(IStream* stream) {
     const Ref<IProject> project = project_.lock();
     if (!project) throw StatusError(E_FAIL);
     RecordReader record(stream);
-    record.u32();  // version
-    const std::int32_t fromId = record.i32();
-    const std::int32_t toId = record.i32();
+    LoadFields fields(record);
+    std::int32_t fromId = 0;
+    std::int32_t toId = 0;
+    describe(fields, fromId, toId);
     Ref<IComponents> components;
     check(project->get_Components(&components));
     from_ = componentOf(*components, fromId);
@@ -87,9 +93,8 @@ HRESULT CConnection::Save(IStream* stream, bool clearDirty) {
     check(from_->get_Id(&fromId));
     check(to_->get_Id(&toId));
     RecordWriter record(stream);
-    record.u32(0);
-    record.i32(fromId);
-    record.i32(toId);
+    SaveFields fields(record);
+    describe(fields, fromId, toId);
     if (clearDirty) changed_ = false;
   });
 }

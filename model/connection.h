@@ -4,6 +4,7 @@
 #include "platform/com/object.h"
 #include "platform/com/weak_ref.h"
 #include "platform/storage/persist.h"
+#include "platform/storage/record_fields.h"
 #include "typelib/connection.h"
 #include "typelib/project.h"
 
@@ -27,6 +28,9 @@ class CConnection final : public ComObject<Dual<IConnection>, IPersistStream, Se
   HRESULT IsDirty() override;
   HRESULT Load(IStream* stream) override;
   HRESULT Save(IStream* stream, bool clearDirty) override;
+
+  // Its record: the ids of both ends.
+  static void describe(RecordFields& fields, std::int32_t& from, std::int32_t& to);
 
   // Borrowed; null before Init and after Close.
   IComponent* from() const { return from_.get(); }

@@ -16,21 +16,15 @@ std::vector<BString> CookieTable::names() const {
   return names;
 }
 
-void CookieTable::load(RecordReader& record) {
-  constexpr std::uint32_t kSmallestEntry = 8;
-  values_.clear();
-  for (std::uint32_t left = record.count(kSmallestEntry); left > 0; --left) {
-    const BString name = record.cookieString();
-    put(name, record.cookieString());
-  }
+TextPairs CookieTable::pairs() const {
+  TextPairs pairs;
+  for (const auto& [name, value] : values_) pairs.emplace_back(BString::fromNarrow(name), value);
+  return pairs;
 }
 
-void CookieTable::save(RecordWriter& record) const {
-  record.u32(static_cast<std::uint32_t>(values_.size()));
-  for (const auto& [name, value] : values_) {
-    record.cookieString(BString::fromNarrow(name));
-    record.cookieString(value);
-  }
+void CookieTable::assign(const TextPairs& pairs) {
+  values_.clear();
+  for (const auto& [name, value] : pairs) put(name, value);
 }
 
 bool operator==(const CookieTable& a, const CookieTable& b) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/com/enumerators.h"
-#include "platform/storage/records.h"
+#include "platform/storage/record_fields.h"
 #include "typelib/cookies.h"
 
 namespace forgeyard {
@@ -20,9 +20,9 @@ class CookieTable {
   bool remove(const BString& name) { return values_.erase(name.narrow()) != 0; }
   std::vector<BString> names() const;
 
-  // Throw StatusError; load replaces the contents.
-  void load(RecordReader& record);
-  void save(RecordWriter& record) const;
+  // All of them, as a record has them. Of several with one name the last counts.
+  TextPairs pairs() const;
+  void assign(const TextPairs& pairs);
 
   // Whether the records of both would be the same.
   friend bool operator==(const CookieTable& a, const CookieTable& b);

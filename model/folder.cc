@@ -192,16 +192,10 @@ bool CFolder::contentsDirty() {
   });
 }
 
-void CFolder::loadRecord(RecordReader& record) {
-  setName(record.listedString());
-  extension_ = record.listedString();
-  setId(record.i32());
-}
-
-void CFolder::saveRecord(RecordWriter& record) {
-  record.listedString(name());
-  record.listedString(extension_);
-  record.i32(id());
+void CFolder::describeRecord(RecordFields& fields) {
+  describeName(fields);
+  fields.text(u"Extension", extension_);
+  describeId(fields);
 }
 
 void CFolder::loadStreams(IStorage& storage) {
@@ -212,9 +206,10 @@ void CFolder::loadStreams(IStorage& storage) {
 
 void CFolder::loadFiles(IStream& stream) {
   constexpr std::uint32_t kSmallestRecord = 12;
-  SourceFileReader reader(&stream, owner().get());
-  reader.record.u32();  // version
-  std::uint32_t left = reader.record.count(kSmallestRecord);
+  RecordReader record(&stream);
+  SourceFileReader reader(record, owner().get());
+  record.u32();  // version
+  std::uint32_t left = record.count(kSmallestRecord);
   files_.reserve(files_.size() + left);
   for (; left > 0; --left) {
     const auto file = make<CSourceFile>();
@@ -224,17 +219,9 @@ void CFolder::loadFiles(IStream& stream) {
   filesChanged_ = false;
 }
 
-void CFolder::listStreams(IStorage& storage, RecordListing& listing, StoredComponent& out) {
-  listing.stream(storage, kFilesStream, [&](IStream& stream) {
-    SourceFileReader reader(&stream, nullptr);
-    reader.record.u32();  // version
-    listing.records(reader.record, [&] {
-      const std::uint32_t version = reader.record.peekU32();
-      const auto file = make<CSourceFile>();
-      file->load(reader);
-      out.files.push_back({version, file});
-    });
-  });
+void CFolder::describeStreams(RecordStreams& streams) {
+  streams.list({kFilesStream, u"files", true, {}},
+               [](RecordFields& fields) { make<CSourceFile>()->describe(fields); });
 }
 
 void CFolder::saveStreams(IStorage& storage) {

@@ -66,11 +66,10 @@ class CFolder final : public ComObject<Dual<IFolder>, CComponentBase, Connection
   Ref<IUnknown> cloneSettings(IUnknown& settings) override;
   void settingsApplied(IUnknown&, IUnknown&) override {}
   const char16_t* streamName() const override { return u"FolderSettings"; }
-  void loadRecord(RecordReader& record) override;
-  void saveRecord(RecordWriter& record) override;
+  void describeRecord(RecordFields& fields) override;
   void loadStreams(IStorage& storage) override;
   void saveStreams(IStorage& storage) override;
-  void listStreams(IStorage& storage, RecordListing& listing, StoredComponent& out) override;
+  void describeStreams(RecordStreams& streams) override;
   void closing() override;
   bool contentsDirty() override;
   void contentsSaved() override { filesChanged_ = false; }

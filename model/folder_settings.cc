@@ -1,6 +1,5 @@
 #include "model/folder_settings.h"
 
-#include "platform/storage/records.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {
@@ -25,6 +24,11 @@ HRESULT CFolderSettings::get_Clone(Ref<IFolderSettings>* out) {
   });
 }
 
+void CFolderSettings::describe(RecordFields& fields) {
+  fields.unusedVersion(u"version");
+  fields.number(u"Enabled", enabled_);
+}
+
 HRESULT CFolderSettings::GetClassID(Guid* out) {
   *out = CLSID_FolderSettings;
   return S_OK;
@@ -37,8 +41,9 @@ HRESULT CFolderSettings::IsDirty() {
 HRESULT CFolderSettings::Load(IStream* stream) {
   return guard([&] {
     RecordReader record(stream);
-    record.u32();  // version
-    enabled_ = stored_ = record.i32();
+    LoadFields fields(record);
+    describe(fields);
+    stored_ = enabled_;
     inFile_ = true;
   });
 }
@@ -46,8 +51,8 @@ HRESULT CFolderSettings::Load(IStream* stream) {
 HRESULT CFolderSettings::Save(IStream* stream, bool clearDirty) {
   return guard([&] {
     RecordWriter record(stream);
-    record.u32(0);
-    record.i32(enabled_);
+    SaveFields fields(record);
+    describe(fields);
     if (!clearDirty) return;
     stored_ = enabled_;
     inFile_ = true;

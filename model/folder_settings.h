@@ -2,12 +2,13 @@
 
 #include "platform/com/object.h"
 #include "platform/storage/persist.h"
+#include "platform/storage/record_fields.h"
 #include "typelib/folder.h"
 
 namespace forgeyard {
 
 // A folder's settings in one configuration. Owned by the folder; main thread only.
-class CFolderSettings final : public ComObject<Dual<IFolderSettings>, IPersistStream> {
+class CFolderSettings final : public ComObject<Dual<IFolderSettings>, IPersistStream, IRecord> {
  public:
   // IFolderSettings
   HRESULT get_Enabled(std::int32_t* value) override;
@@ -19,6 +20,9 @@ class CFolderSettings final : public ComObject<Dual<IFolderSettings>, IPersistSt
   HRESULT IsDirty() override;
   HRESULT Load(IStream* stream) override;
   HRESULT Save(IStream* stream, bool clearDirty) override;
+
+  // IRecord
+  void describe(RecordFields& fields) override;
 
  private:
   std::int32_t enabled_ = 1;

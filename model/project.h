@@ -95,6 +95,8 @@ class CProject final
 
   // IProjectRecords
   HRESULT ReadRecords(const BString& path, ProjectRecords* out) override;
+  HRESULT WriteRecords(const BString& path, const RecordNode& records, bool replace,
+                       RecordFault* fault) override;
 
   // IWorkspaceProjectRecord
   HRESULT ReadRecord(IStream* stream, StoredWorkspaceProject* out) override;

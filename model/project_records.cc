@@ -1,120 +1,21 @@
 #include "model/project_records.h"
 
 #include "engine/record_listing.h"
-#include "model/configuration.h"
 #include "model/project.h"
 #include "model/project_reader.h"
-#include "model/stream_names.h"
-#include "platform/com/class_table.h"
+#include "model/record_decoder.h"
+#include "model/record_encoder.h"
+#include "model/record_values.h"
+#include "platform/files/host_files.h"
 #include "platform/paths/shell_path.h"
 
 namespace forgeyard {
 
 namespace {
 
-constexpr std::uint32_t kReadOnly = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READ;
 // A file that somebody works on is looked at all the same.
 constexpr std::uint32_t kLook = STGM_TRANSACTED | STGM_SHARE_DENY_NONE | STGM_READ;
-// Projects have two levels; a file that is made to go on for ever ends here.
-constexpr int kDeepestLevel = 32;
-
-class RecordsReader {
- public:
-  RecordsReader(IStorage& root, ProjectRecords& records)
-      : root_(root), records_(records), listing_(records.leftOut) {}
-
-  void read() {
-    for (const std::string& finding : damageOf(root_))
-      records_.elementsLeftOut.push_back({kDamagedPart, finding});
-    records_.elements = elementsOf(root_, 1);
-    readSettings();
-    readConfigurations();
-    for (const StoredElement& element : records_.elements) {
-      if (element.type == StgType::Storage) readComponent(element);
-    }
-    readConnections();
-  }
-
- private:
-  void leaveOut(std::string what, std::string why) {
-    records_.leftOut.push_back({std::move(what), std::move(why)});
-  }
-
-  std::vector<StoredElement> elementsOf(IStorage& storage, int level) {
-    std::vector<StoredElement> elements;
-    Ref<IEnumSTATSTG> walk;
-    check(storage.EnumElements(&walk));
-    forEach(walk, [&](const STATSTG& found) {
-      StoredElement element{found.name, found.type, found.size, found.clsid, {}};
-      if (found.type == StgType::Storage) element.elements = elementsBelow(storage, found.name, level);
-      elements.push_back(std::move(element));
-    });
-    return elements;
-  }
-
-  std::vector<StoredElement> elementsBelow(IStorage& storage, const BString& name, int level) {
-    Ref<IStorage> below;
-    const HRESULT status = storage.OpenStorage(name, kReadOnly, &below);
-    if (succeeded(status) && level < kDeepestLevel) return elementsOf(*below, level + 1);
-    records_.elementsLeftOut.push_back({"what is below " + quoted("storage", name),
-                                        failed(status) ? statusText(status) : "it lies too deep"});
-    return {};
-  }
-
-  void readSettings() {
-    listing_.stream(root_, kSettingsStream, [&](IStream& stream) {
-      RecordReader reader(&stream);
-      records_.settings = SettingsBlock::load(reader);
-    });
-  }
-
-  void readConfigurations() {
-    listing_.stream(root_, kConfigurationsStream, [&](IStream& stream) {
-      RecordReader reader(&stream);
-      listing_.records(reader, [&] {
-        const std::uint32_t version = reader.peekU32();
-        const auto configuration = make<CConfiguration>();
-        check(configuration->Load(&stream));
-        records_.configurations.push_back({version, configuration});
-      });
-      records_.active = reader.listedString();
-    });
-  }
-
-  void readComponent(const StoredElement& element) {
-    StoredComponent component{element.name, element.clsid, nullptr, {}, {}, {}};
-    const std::string step = quoted("component", element.name);
-    Ref<IStorage> storage;
-    if (failed(root_.OpenStorage(element.name, kReadOnly, &storage))) return;  // told with the elements
-    component.object = createInstance<IComponent>(element.clsid);
-    const Ref<IComponentRecords> reader = component.object.as<IComponentRecords>();
-    if (!reader) {
-      component.object = nullptr;
-      leaveOut(step, "there is no component class " + formatGuid(element.clsid));
-    } else if (const HRESULT status = reader->ReadRecords(storage.get(), &component); failed(status)) {
-      leaveOut(step, statusText(status));
-    }
-    for (const LoadOmission& omission : component.leftOut)
-      leaveOut(step + ", " + omission.what, omission.why);
-    records_.components.push_back(std::move(component));
-  }
-
-  void readConnections() {
-    listing_.stream(root_, kConnectionsStream, [&](IStream& stream) {
-      RecordReader reader(&stream);
-      reader.u32();  // version
-      listing_.records(reader, [&] {
-        reader.u32();  // version
-        const std::int32_t from = reader.i32();
-        records_.connections.push_back({from, reader.i32()});
-      });
-    });
-  }
-
-  IStorage& root_;
-  ProjectRecords& records_;
-  RecordListing listing_;
-};
+constexpr std::uint32_t kReplace = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READWRITE | STGM_CREATE;
 
 LoadResult resultOf(CProject& project) {
   LoadResult result;
@@ -149,7 +50,10 @@ LoadResult loadOnTrial(IStorage& root, const BString& path) {
 
 ProjectRecords readProjectRecords(IStorage& root, const BString& path) {
   ProjectRecords records;
-  RecordsReader(root, records).read();
+  for (const std::string& finding : damageOf(root))
+    records.elementsLeftOut.push_back({kDamagedPart, finding});
+  const StorageBytes bytes = readStorage(root, records.elements, records.elementsLeftOut);
+  records.records = decodeProject(bytes, records.keptAsBytes);
   records.load = loadOnTrial(root, path);
   return records;
 }
@@ -159,6 +63,31 @@ HRESULT CProject::ReadRecords(const BString& path, ProjectRecords* out) {
     Ref<IStorage> root;
     check(StgOpenStorage(path, kLook, &root));
     *out = readProjectRecords(*root, path);
+  });
+}
+
+HRESULT CProject::WriteRecords(const BString& path, const RecordNode& records, bool replace,
+                               RecordFault* fault) {
+  return guard([&] {
+    StorageBytes bytes;
+    try {
+      bytes = encodeProject(records);
+    } catch (RecordFaultError& error) {
+      *fault = error.take();
+      return E_INVALIDARG;
+    }
+    const bool stood = hostFiles().exists(path);
+    if (stood && !replace) return STG_E_FILEALREADYEXISTS;
+    const HRESULT status = guard([&] {
+      Ref<IStorage> root;
+      check(StgCreateDocfile(path, stood ? kReplace : kReplace & ~STGM_CREATE, &root));
+      writeStorage(*root, bytes);
+      check(root->Commit(STGC_DEFAULT));
+    });
+    // Where none stood an empty one does since the creation.
+    if (failed(status) && !stood && status != STG_E_FILEALREADYEXISTS)
+      static_cast<void>(hostFiles().deleteFile(path));
+    return status;
   });
 }
 

@@ -2,26 +2,26 @@
 
 namespace forgeyard {
 
+void SettingsBlock::describe(RecordFields& fields) {
+  fields.version(0);
+  fields.text(u"Name", name);
+  fields.text(u"FileName", fileName);
+  fields.text(u"SSRoot", ssRoot);
+  fields.number(u"NextComponentId", nextComponentId);
+  fields.text(u"SSDatabasePath", ssDatabasePath);
+  fields.number(u"SSVersion", ssVersion);
+}
+
 SettingsBlock SettingsBlock::load(RecordReader& record) {
   SettingsBlock block;
-  block.version = record.u32();
-  block.name = record.listedString();
-  block.fileName = record.listedString();
-  block.ssRoot = record.listedString();
-  block.nextComponentId = record.i32();
-  block.ssDatabasePath = record.listedString();
-  block.ssVersion = record.i32();
+  LoadFields fields(record);
+  block.describe(fields);
   return block;
 }
 
-void SettingsBlock::save(RecordWriter& record) const {
-  record.u32(0);
-  record.listedString(name);
-  record.listedString(fileName);
-  record.listedString(ssRoot);
-  record.i32(nextComponentId);
-  record.listedString(ssDatabasePath);
-  record.i32(ssVersion);
+void SettingsBlock::save(RecordWriter& record) {
+  SaveFields fields(record);
+  describe(fields);
 }
 
 LogonBlock LogonBlock::load(RecordReader& record) {

@@ -15,11 +15,6 @@ constexpr std::uint32_t kRecordVersion = 2;
 
 enum Notification : std::int32_t { kName = 1, kPersistAs = 2, kProject = 3, kSourceControl = 9 };
 
-void saveList(RecordWriter& record, const std::vector<BString>& list) {
-  record.u32(static_cast<std::uint32_t>(list.size()));
-  for (const BString& name : list) record.listedString(name);
-}
-
 // A dependency as it is kept: canonical, with a dot in place of the working directory.
 BString keptForm(const BString& name, const BString& workingDirectory) {
   std::u16string path(name.view());
@@ -31,8 +26,8 @@ BString keptForm(const BString& name, const BString& workingDirectory) {
 
 }  // namespace
 
-SourceFileReader::SourceFileReader(IStream* stream, IProject* owner)
-    : record(stream), project(owner), pool_(NamePool::shared()) {
+SourceFileReader::SourceFileReader(RecordReader& record, IProject* owner)
+    : LoadFields(record), project(owner), record_(record), pool_(NamePool::shared()) {
   if (!owner) return;
   BString directory;
   check(owner->get_WorkingDirectory(&directory));
@@ -40,13 +35,26 @@ SourceFileReader::SourceFileReader(IStream* stream, IProject* owner)
   PathAddBackslashA(directory_);
 }
 
-std::vector<BString> SourceFileReader::names() {
+void SourceFileReader::text(std::u16string_view, BString& value) {
+  value = interned();
+}
+
+void SourceFileReader::fileName(std::u16string_view, const BString& persistAs, BString& value) {
+  if (project && persistAs.view().starts_with(u'.')) {
+    record_.listedString(buffer_);
+    value = resolve(persistAs);
+  } else {
+    value = interned();
+  }
+}
+
+void SourceFileReader::texts(std::u16string_view, std::vector<BString>& value, bool stored) {
   constexpr std::uint32_t kSmallestEntry = 4;
-  std::uint32_t left = record.count(kSmallestEntry);
-  std::vector<BString> list;
-  list.reserve(left);
-  for (; left > 0; --left) list.push_back(name());
-  return list;
+  if (!stored) return;
+  std::uint32_t left = record_.count(kSmallestEntry);
+  value.clear();
+  value.reserve(left);
+  for (; left > 0; --left) value.push_back(interned());
 }
 
 BString SourceFileReader::resolve(const BString& persistAs) {
@@ -191,39 +199,33 @@ HRESULT CSourceFile::IsDirty() {
 
 HRESULT CSourceFile::Load(IStream* stream) {
   return guard([&] {
-    SourceFileReader reader(stream, project_.get());
+    RecordReader record(stream);
+    SourceFileReader reader(record, project_.get());
     load(reader);
   });
 }
 
 void CSourceFile::load(SourceFileReader& reader) {
-  const std::uint32_t version = reader.record.u32();
   project_ = reader.project;
-  persistAs_ = reader.name();
-  if (project_ && persistAs_.view().starts_with(u'.')) {
-    reader.skipText();
-    name_ = reader.resolve(persistAs_);
-  } else {
-    name_ = reader.name();
-  }
-  if (version > 0) {
-    automaticDeps_ = reader.names();
-    manualDeps_ = reader.names();
-  }
-  if (version > 1) sourceControl_ = reader.record.i32();
+  describe(reader);
   changed_ = false;
   fileNamesChanged();
+}
+
+void CSourceFile::describe(RecordFields& fields) {
+  const std::uint32_t version = fields.version(kRecordVersion);
+  fields.text(u"PersistAs", persistAs_);
+  fields.fileName(u"Name", persistAs_, name_);
+  fields.learnt().texts(u"AutomaticDeps", automaticDeps_, version > 0);
+  fields.texts(u"ManualDeps", manualDeps_, version > 0);
+  fields.number(u"SourceControl", sourceControl_, version > 1);
 }
 
 HRESULT CSourceFile::Save(IStream* stream, bool clearDirty) {
   return guard([&] {
     RecordWriter record(stream);
-    record.u32(kRecordVersion);
-    record.listedString(persistAs_);
-    record.listedString(name_);
-    saveList(record, automaticDeps_);
-    saveList(record, manualDeps_);
-    record.i32(sourceControl_);
+    SaveFields fields(record);
+    describe(fields);
     if (clearDirty) changed_ = false;
   });
 }

@@ -8,28 +8,31 @@
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
 #include "platform/storage/persist.h"
-#include "platform/storage/records.h"
+#include "platform/storage/record_fields.h"
 #include "typelib/folder.h"
 #include "typelib/project.h"
 
 namespace forgeyard {
 
-// What the records of one folder's source files are read with; made once for all of them.
-class SourceFileReader {
+// What the records of one folder's source files are read with; made once for all of them. Equal texts come
+// out as one, and relative names become full ones in the project's working directory.
+class SourceFileReader final : public LoadFields {
  public:
-  SourceFileReader(IStream* stream, IProject* project);
+  // Borrows the reader; the project may be null.
+  SourceFileReader(RecordReader& record, IProject* owner);
 
-  RecordReader record;
   WeakRef<IProject> project;
 
-  // A text of the record that equals many others.
-  BString name() { return pool_->intern(record.listedString(buffer_)); }
-  void skipText() { record.listedString(buffer_); }
-  std::vector<BString> names();
+  void text(std::u16string_view name, BString& value) override;
+  void fileName(std::u16string_view name, const BString& persistAs, BString& value) override;
+  void texts(std::u16string_view name, std::vector<BString>& value, bool stored) override;
+
+ private:
+  BString interned() { return pool_->intern(record_.listedString(buffer_)); }
   // The full path that a persisted name beginning with a dot means in the working directory.
   BString resolve(const BString& persistAs);
 
- private:
+  RecordReader& record_;
   std::shared_ptr<NamePool> pool_;
   std::u16string buffer_;
   std::u16string directory_;  // the working directory with a backslash behind it
@@ -73,6 +76,7 @@ class CSourceFile final : public ComObject<Dual<ISourceFile>, IConnectionPointCo
 
   // Reads one record; throws StatusError, with the file then half read.
   void load(SourceFileReader& reader);
+  void describe(RecordFields& fields);
 
  private:
   const History& history() const override;

@@ -43,7 +43,11 @@ HRESULT CWorkspaceLO::HandsOffStorage() {
 HRESULT CWorkspaceLO::Load(IStream* stream) {
   return guard([&] {
     RecordReader record(stream);
-    if (record.u32() > 0) cookies_.load(record);
+    TextPairs pairs;
+    const std::uint32_t version = record.u32();
+    if (version == 0) return;
+    LoadFields(record).pairs(u"cookies", pairs, true);
+    cookies_.assign(pairs);
   });
 }
 

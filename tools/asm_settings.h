@@ -28,7 +28,7 @@ class AsmSettings final : public SettingsObject<AsmSettings, IAsmSettings> {
   FORGEYARD_SETTINGS(FORGEYARD_ASM_SETTINGS)
 };
 
-FORGEYARD_SETTINGS_TABLE(AsmSettings, FORGEYARD_ASM_SETTINGS, u"", u".obj", u"$(CIntDir)", true)
+FORGEYARD_SETTINGS_TABLE(AsmSettings, FORGEYARD_ASM_SETTINGS, u"", u".obj", u"$(CIntDir)", true, true)
 
 #undef FORGEYARD_ASM_SETTINGS
 

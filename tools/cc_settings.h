@@ -33,7 +33,7 @@ class CcSettings final : public SettingsObject<CcSettings, ICcSettings> {
 };
 
 FORGEYARD_SETTINGS_TABLE(CcSettings, FORGEYARD_CC_SETTINGS, u".c;.i;.ii;.m;.cc;.cxx;.cpp;.C;.s;.S", u".obj",
-                         u"$(CIntDir)", true)
+                         u"$(CIntDir)", true, true)
 
 #undef FORGEYARD_CC_SETTINGS
 

@@ -16,7 +16,7 @@ class CmdLineSettings final : public SettingsObject<CmdLineSettings, ICmdLineSet
   FORGEYARD_SETTINGS(FORGEYARD_CMD_LINE_SETTINGS)
 };
 
-FORGEYARD_SETTINGS_TABLE(CmdLineSettings, FORGEYARD_CMD_LINE_SETTINGS, u"", u"", u"", false)
+FORGEYARD_SETTINGS_TABLE(CmdLineSettings, FORGEYARD_CMD_LINE_SETTINGS, u"", u"", u"", false, false)
 
 #undef FORGEYARD_CMD_LINE_SETTINGS
 

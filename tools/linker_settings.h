@@ -30,7 +30,7 @@ class LinkerSettings final : public SettingsObject<LinkerSettings, ILinkerSettin
   FORGEYARD_SETTINGS(FORGEYARD_LINKER_SETTINGS)
 };
 
-FORGEYARD_SETTINGS_TABLE(LinkerSettings, FORGEYARD_LINKER_SETTINGS, u".lk", u"", u"$(COutDir)", true)
+FORGEYARD_SETTINGS_TABLE(LinkerSettings, FORGEYARD_LINKER_SETTINGS, u".lk", u"", u"$(COutDir)", true, true)
 
 #undef FORGEYARD_LINKER_SETTINGS
 

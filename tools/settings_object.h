@@ -50,18 +50,19 @@ struct SettingsParameter<SettingsProperty::Type::Text> {
   PROPERTIES(FORGEYARD_SETTINGS_ACCESSORS)
 
 // Behind it: the table of its properties, and its record.
-#define FORGEYARD_SETTINGS_TABLE(Class, PROPERTIES, input, output, commandOutDir, closingVersion) \
-  inline const SettingsTable& Class::table() {                                                    \
-    static constexpr SettingsLayout layout(                                                       \
-        CommonDefaults{input, output, commandOutDir},                                             \
-        std::to_array<SettingsProperty>({PROPERTIES(FORGEYARD_SETTINGS_ROW)}));                   \
-    static constexpr SettingsTable table = layout.table(CLSID_##Class, closingVersion);           \
-    return table;                                                                                 \
+#define FORGEYARD_SETTINGS_TABLE(Class, PROPERTIES, input, output, commandOutDir, closingVersion,           \
+                                 commandIsGenerated)                                                        \
+  inline const SettingsTable& Class::table() {                                                              \
+    static constexpr SettingsLayout layout(                                                                 \
+        CommonDefaults{input, output, commandOutDir},                                                       \
+        std::to_array<SettingsProperty>({PROPERTIES(FORGEYARD_SETTINGS_ROW)}));                             \
+    static constexpr SettingsTable table = layout.table(CLSID_##Class, closingVersion, commandIsGenerated); \
+    return table;                                                                                           \
   }
 
 // The settings of a tool component in one configuration. Class gives table(), Interface is what it offers.
 template <class Class, class Interface>
-class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettingsValues> {
+class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettingsValues, IRecord> {
  public:
   using SettingsInterface = Interface;
 
@@ -108,6 +109,9 @@ class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettin
       if (clearDirty) values_.markSaved();
     });
   }
+
+  // IRecord
+  void describe(RecordFields& fields) override { values_.describe(fields); }
 
   // ISettingsValues
   const SettingsValues& settingsValues() const override { return values_; }

@@ -44,6 +44,7 @@ struct SettingsTable {
   std::span<const SettingsProperty> properties;
   std::span<const std::size_t> ownStored;  // indices of the own properties, in the order of the record
   bool closingVersion;
+  bool commandIsGenerated;  // from the other settings, at each build
 };
 
 // Defaults of the common properties that differ by class.
@@ -72,8 +73,8 @@ struct SettingsLayout {
     }
   }
 
-  constexpr SettingsTable table(const Guid& clsid, bool closingVersion) const {
-    return {clsid, properties, ownStored, closingVersion};
+  constexpr SettingsTable table(const Guid& clsid, bool closingVersion, bool commandIsGenerated) const {
+    return {clsid, properties, ownStored, closingVersion, commandIsGenerated};
   }
 
   std::array<SettingsProperty, COMMON_SETTINGS + OwnCount> properties{};

@@ -1,7 +1,5 @@
 #include "tools/settings_values.h"
 
-#include "platform/storage/records.h"
-
 namespace forgeyard {
 
 SettingsValues::SettingsValues(const SettingsTable& table) : table_(&table) {
@@ -33,39 +31,42 @@ bool SettingsValues::logicallyEqual(const SettingsValues& other) const {
   return true;
 }
 
-// Calls version() and property(index) in the order of the record.
-template <class Version, class Property>
-void SettingsValues::walkRecord(Version&& version, Property&& property) const {
-  version();
-  for (std::size_t i = 0; i < COMMON_SETTINGS; ++i) property(i);
-  version();
-  for (const std::size_t i : table_->ownStored) property(i);
-  if (table_->closingVersion) version();
+void SettingsValues::describe(RecordFields& fields, std::size_t property) {
+  const SettingsProperty& row = table_->properties[property];
+  const bool generated =
+      property == static_cast<std::size_t>(CommonSetting::Command) && table_->commandIsGenerated;
+  if (generated || property == static_cast<std::size_t>(CommonSetting::BuildDirty)) fields.learnt();
+  Value& value = values_[property];
+  if (row.isText()) {
+    fields.text(row.name, value.text);
+  } else if (row.type == SettingsProperty::Type::Flag) {
+    auto flag = static_cast<std::int32_t>(value.number);
+    fields.number(row.name, flag);
+    value.number = static_cast<std::uint32_t>(flag);
+  } else {
+    fields.number(row.name, value.number);
+  }
+}
+
+void SettingsValues::describe(RecordFields& fields) {
+  fields.unusedVersion(u"version");
+  for (std::size_t i = 0; i < COMMON_SETTINGS; ++i) describe(fields, i);
+  fields.unusedVersion(u"own_version");
+  for (const std::size_t i : table_->ownStored) describe(fields, i);
+  if (table_->closingVersion) fields.unusedVersion(u"closing_version");
 }
 
 void SettingsValues::load(IStream* stream) {
   RecordReader reader(stream);
-  walkRecord([&] { reader.u32(); },
-             [&](std::size_t i) {
-               if (table_->properties[i].isText()) {
-                 values_[i].text = reader.listedString();
-               } else {
-                 values_[i].number = reader.u32();
-               }
-             });
+  LoadFields fields(reader);
+  describe(fields);
   changed_ = false;
 }
 
-void SettingsValues::save(IStream* stream) const {
+void SettingsValues::save(IStream* stream) {
   RecordWriter writer(stream);
-  walkRecord([&] { writer.u32(0); },
-             [&](std::size_t i) {
-               if (table_->properties[i].isText()) {
-                 writer.listedString(values_[i].text);
-               } else {
-                 writer.u32(values_[i].number);
-               }
-             });
+  SaveFields fields(writer);
+  describe(fields);
 }
 
 }  // namespace forgeyard

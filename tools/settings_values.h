@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/com/unknown.h"
-#include "platform/storage/structured_storage.h"
+#include "platform/storage/record_fields.h"
 #include "platform/text/bstring.h"
 #include "tools/settings_table.h"
 
@@ -29,9 +29,10 @@ class SettingsValues {
   // Whether all but BuildDirty agrees; false for values of another class.
   bool logicallyEqual(const SettingsValues& other) const;
 
+  void describe(RecordFields& fields);
   // The record at the stream's position. Both throw StatusError; what was read before a failure stays.
   void load(IStream* stream);
-  void save(IStream* stream) const;
+  void save(IStream* stream);
 
  private:
   struct Value {
@@ -40,8 +41,7 @@ class SettingsValues {
     bool operator==(const Value&) const = default;
   };
 
-  template <class Version, class Property>
-  void walkRecord(Version&& version, Property&& property) const;
+  void describe(RecordFields& fields, std::size_t property);
 
   const SettingsTable* table_;
   std::vector<Value> values_;

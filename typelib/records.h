@@ -4,11 +4,10 @@
 #include <optional>
 #include <vector>
 
+#include "platform/storage/record_fields.h"
 #include "platform/storage/structured_storage.h"
-#include "typelib/component.h"
-#include "typelib/configuration.h"
-#include "typelib/folder.h"
 #include "typelib/project.h"
+#include "typelib/record_tree.h"
 
 namespace forgeyard {
 
@@ -24,43 +23,6 @@ struct StoredElement {
   std::vector<StoredElement> elements;
 };
 
-// A record with its version and what it holds, as an object that belongs to no project.
-template <class I>
-struct StoredObject {
-  std::uint32_t version = 0;
-  Ref<I> object;
-};
-
-struct StoredProjectSettings {
-  std::uint32_t version = 0;
-  BString name;
-  BString fileName;
-  BString ssRoot;
-  std::int32_t nextComponentId = 0;
-  BString ssDatabasePath;
-  std::int32_t ssVersion = 0;
-};
-
-struct StoredComponentSettings {
-  BString configuration;
-  Ref<IUnknown> settings;
-};
-
-struct StoredComponent {
-  BString element;
-  Guid clsid{};
-  // Null where there is no such class; then nothing else is known.
-  Ref<IComponent> object;
-  std::vector<StoredObject<ISourceFile>> files;  // of a folder
-  std::vector<StoredComponentSettings> settings;
-  std::vector<LoadOmission> leftOut;
-};
-
-struct StoredConnection {
-  std::int32_t from = 0;
-  std::int32_t to = 0;
-};
-
 // What a load of the file brings up.
 struct LoadResult {
   std::size_t configurations = 0;
@@ -73,12 +35,20 @@ struct LoadResult {
 struct ProjectRecords {
   std::vector<StoredElement> elements;  // of the root, in the order of enumeration
   std::vector<LoadOmission> elementsLeftOut;
-  std::optional<StoredProjectSettings> settings;
-  std::vector<StoredObject<IConfiguration>> configurations;
-  BString active;  // null when it can't be read
-  std::vector<StoredComponent> components;
-  std::vector<StoredConnection> connections;
-  std::vector<LoadOmission> leftOut;  // of the records, those of components included
+  // All that the elements hold. What can't be told by fields is in it as bytes:
+  //   clsid            of the root, where it has one
+  //   settings, configurations, active, components, connections
+  //   streams          what else there is to say of streams
+  //   storages         storages that aren't components, with the same keys as those
+  // A component has its element's name and clsid, the fields of its own stream, "files" if it is a folder,
+  // "settings", and "streams" and "storages" like the root. An entry of "streams" has the stream's name and
+  //   missing          true: it is none of the elements, though a component or project has it; or
+  //   bytes            all of it; or, of one whose records stand elsewhere,
+  //   version, count   where they aren't 0 and the number of those records
+  //   rest             the bytes behind the records
+  // A record that isn't written as it was read has one field, "bytes". Bytes are a list of hexadecimal texts.
+  RecordNode records;
+  std::vector<LoadOmission> keptAsBytes;  // records that can't be read: nothing of them is lost
   LoadResult load;
 };
 
@@ -88,9 +58,13 @@ struct IProjectRecords : IUnknown {
   static constexpr Guid iid = guid("5B2D7036-93C4-4E6F-A8D1-2F60C1B49E01");
 
   // The records of the project file at a model path, which is neither changed nor locked, and may be open
-  // elsewhere. Fails where nothing can be read;
-  // all other damage is told in `leftOut`.
+  // elsewhere. Fails where nothing can be read; all other damage is told in the result.
   virtual HRESULT ReadRecords(const BString& path, ProjectRecords* out) = 0;
+  // Makes a project file of such records: each stream has the bytes that they were read from. E_INVALIDARG
+  // and `fault` for records that can't be stored. A file that stands there is replaced if `replace` says so,
+  // else it is STG_E_FILEALREADYEXISTS; after a failure it is as it was.
+  virtual HRESULT WriteRecords(const BString& path, const RecordNode& records, bool replace,
+                               RecordFault* fault) = 0;
 };
 
 // What a workspace keeps of a project.
@@ -129,8 +103,8 @@ struct IComponentRecords : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("5B2D7037-93C4-4E6F-A8D1-2F60C1B49E01");
 
-  // Takes name and id from the component's storage, and lists its other records.
-  virtual HRESULT ReadRecords(IStorage* storage, StoredComponent* out) = 0;
+  // The streams of the component's storage. Throws what `streams` throws.
+  virtual void describeRecords(RecordStreams& streams) = 0;
 };
 
 }  // namespace forgeyard

@@ -46,6 +46,8 @@ class RecordWriter {
   void u8(std::uint8_t value);
   void listedString(std::u16string_view text);
   void cookieString(const BString& text);
+  // As they stand.
+  void bytes(std::string_view data) { bytes(data.data(), data.size()); }
 
  private:
   void bytes(const void* data, std::size_t count);

@@ -1,60 +1,25 @@
 #pragma once
 
-#include <algorithm>
-#include <cstring>
-#include <string>
-
-#include "platform/com/object.h"
-#include "platform/storage/structured_storage.h"
+#include "platform/storage/memory_bytes.h"
 
 namespace forgeyard {
 
 // A stream over bytes in memory, which a test can make misbehave.
-class MemoryStream final : public ComObject<IStream> {
+class MemoryStream final : public MemoryBytes {
  public:
-  explicit MemoryStream(std::string content = {}) : bytes(std::move(content)) {}
+  using MemoryBytes::MemoryBytes;
 
   HRESULT Read(void* out, std::uint32_t count, std::uint32_t* read) override {
     if (failed(readStatus)) return readStatus;
-    const std::size_t left = position < bytes.size() ? bytes.size() - position : 0;
-    const std::size_t given = std::min<std::size_t>(count, left);
-    if (given) std::memcpy(out, bytes.data() + position, given);
-    position += given;
     mostAsked = std::max(mostAsked, count);
-    if (read) *read = static_cast<std::uint32_t>(given);
-    return given == count ? S_OK : S_FALSE;
+    return MemoryBytes::Read(out, count, read);
   }
   HRESULT Write(const void* data, std::uint32_t count, std::uint32_t* written) override {
     if (failed(writeStatus)) return writeStatus;
-    const std::size_t taken = std::min<std::size_t>(count, room - std::min(room, position));
-    if (bytes.size() < position + taken) bytes.resize(position + taken);
-    if (taken) std::memcpy(bytes.data() + position, data, taken);
-    position += taken;
-    if (written) *written = static_cast<std::uint32_t>(taken);
-    return S_OK;
-  }
-  HRESULT Seek(std::int64_t offset, StreamSeek origin, std::uint64_t* out) override {
-    const std::int64_t from = origin == StreamSeek::Set       ? 0
-                              : origin == StreamSeek::Current ? static_cast<std::int64_t>(position)
-                                                              : static_cast<std::int64_t>(bytes.size());
-    if (from + offset < 0) return STG_E_INVALIDFUNCTION;
-    position = static_cast<std::size_t>(from + offset);
-    if (out) *out = position;
-    return S_OK;
-  }
-  HRESULT SetSize(std::uint64_t size) override {
-    bytes.resize(size);
-    return S_OK;
-  }
-  HRESULT Commit(std::uint32_t) override { return S_OK; }
-  HRESULT Stat(STATSTG* out) override {
-    *out = {};
-    out->size = bytes.size();
-    return S_OK;
+    const std::size_t left = room - std::min(room, position);
+    return MemoryBytes::Write(data, static_cast<std::uint32_t>(std::min<std::size_t>(count, left)), written);
   }
 
-  std::string bytes;
-  std::size_t position = 0;
   std::size_t room = SIZE_MAX;  // where the medium is full
   HRESULT readStatus = S_OK;
   HRESULT writeStatus = S_OK;

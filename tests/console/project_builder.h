@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 namespace forgeyard::console {
@@ -9,7 +10,11 @@ namespace forgeyard::console {
 // Gives the first component of that name another one, free or not.
 void renameComponent(const std::string& projectFile, const std::string& name, const std::string& newName);
 
-// Puts these bytes in place of a stream of the file's root.
+// All that lies in a compound file: the bytes of streams and the class of storages, by their ways.
+std::map<std::string, std::string> contentsOf(const std::string& projectFile);
+
+// Puts these bytes in place of a stream of the file's root, or of the storage before the slash. It need not
+// be there.
 void replaceStream(const std::string& projectFile, const std::string& stream, const std::string& bytes);
 
 }  // namespace forgeyard::console

@@ -61,13 +61,9 @@ class FakeComponent final : public ComObject<CComponentBase> {
   Ref<IUnknown> cloneSettings(IUnknown& settings) override { return Ref<IUnknown>(&settings); }
   void settingsApplied(IUnknown&, IUnknown&) override {}
   const char16_t* streamName() const override { return u"Fake"; }
-  void loadRecord(RecordReader& record) override {
-    setName(record.listedString());
-    setId(record.i32());
-  }
-  void saveRecord(RecordWriter& record) override {
-    record.listedString(name());
-    record.i32(id());
+  void describeRecord(RecordFields& fields) override {
+    describeName(fields);
+    describeId(fields);
   }
 };
 

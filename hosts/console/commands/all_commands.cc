@@ -18,7 +18,8 @@ constexpr std::span<const Command> (*kFamilies[])() = {
     projectCommands, importCommands,        componentCommands, connectionCommands,
     fileCommands,    configurationCommands, propertyCommands,  workspaceCommands,
     targetCommands,  buildCommands,         planCommands,      graphCommands,
-    dumpCommands,    automationCommands,    moduleCommands,    doctorCommands,
+    dumpCommands,    restoreCommands,       automationCommands, moduleCommands,
+    doctorCommands,
 };
 
 }  // namespace

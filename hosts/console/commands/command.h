@@ -103,6 +103,8 @@ std::span<const Command> buildCommands();
 std::span<const Command> planCommands();
 std::span<const Command> graphCommands();
 std::span<const Command> dumpCommands();
+std::span<const Command> restoreCommands();
+std::span<const Command> mergeCommands();
 std::span<const Command> automationCommands();
 std::span<const Command> moduleCommands();
 std::span<const Command> doctorCommands();

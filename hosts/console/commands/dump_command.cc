@@ -1,31 +1,21 @@
 // dump: what stands in a project file.
 
-#include <filesystem>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/components.h"
-#include "hosts/console/project/records_json.h"
 #include "hosts/console/project/workspace.h"
 #include "hosts/console/services/json_lines.h"
-#include "platform/com/class_table.h"
-#include "typelib/classes.h"
+#include "hosts/console/text/json_writer.h"
+#include "hosts/console/text/project_records.h"
 
 namespace forgeyard::console {
 
 namespace {
 
 using Kind = Parameter::Kind;
-
-ProjectRecords recordsOf(const ProjectFile& file) {
-  const Ref<IProjectRecords> reader = createInstance<IProjectRecords>(CLSID_Project);
-  if (!reader) throw Failure("This module can't look into project files.");
-  ProjectRecords records;
-  const HRESULT status = reader->ReadRecords(file.path(), &records);
-  if (failed(status)) throw Failure(openFailure(file, status));
-  return records;
-}
 
 void showElements(LineWriter& out, const std::vector<StoredElement>& elements, const std::string& indent) {
   constexpr std::size_t kNameWidth = 32;
@@ -51,40 +41,68 @@ ExitCode showTree(Session& session, const ProjectFile& file, const ProjectRecord
   return session.finish(records.elementsLeftOut.empty() ? ExitCode::Success : ExitCode::BuildErrors);
 }
 
-ExitCode showRecords(Session& session, const ProjectFile& file, const ProjectRecords& records) {
-  const std::string json = recordsAsJson(std::filesystem::path(file.host).filename().string(), records);
+// JSON as it stands, or as part of an object where every line is one.
+void showJson(Session& session, const char* name, const std::string& json) {
   if (session.options().json) {
-    writeObject(session.output(), "dump", {{"records", nlohmann::ordered_json::parse(json)}});
+    writeObject(session.output(), "dump", {{name, nlohmann::ordered_json::parse(json)}});
   } else {
     session.output().line(json);
   }
-  if (!records.leftOut.empty() || !records.elementsLeftOut.empty()) {
-    complain(file.host + " is damaged; \"left_out\" says what is missing and why.");
-  } else if (!records.load.leftOut.empty()) {
-    complain(file.host + ": a load leaves a part of it out; \"load\" says what and why.");
-  } else {
-    return session.finish();
-  }
-  return session.finish(ExitCode::BuildErrors);
+}
+
+ExitCode showRecords(Session& session, const std::string& name, const ProjectRecords& records) {
+  showJson(session, "records", recordsAsJson(records, Detail::All));
+  const bool damaged = complainOfDamage(name, records);
+  if (!records.load.leftOut.empty())
+    complain(name + ": a load leaves a part of it out; forgeyard dump --load says what and why.");
+  return session.finish(damaged || !records.load.leftOut.empty() ? ExitCode::BuildErrors : ExitCode::Success);
+}
+
+// What the program that compares asks for has to come, whatever state the file is in.
+ExitCode showForDiff(Session& session, const std::string& name, const ProjectRecords& records) {
+  showJson(session, "records", recordsAsJson(records, Detail::Entered));
+  complainOfDamage(name, records);
+  return session.finish();
+}
+
+ExitCode showLoad(Session& session, const ProjectRecords& records) {
+  showJson(session, "load", loadAsJson(records.load));
+  return session.finish(records.load.leftOut.empty() ? ExitCode::Success : ExitCode::BuildErrors);
+}
+
+ProjectFile chosenFile(Session& session, const std::string& named) {
+  return named.empty() ? chosenProjectFile(session, FileNames::Any)
+                       : existingProjectFile(named, FileNames::Any);
 }
 
 ExitCode dump(const Invocation& invocation) {
   const std::string& named = invocation.text("FILE");
   if (!named.empty() && !invocation.options().project.empty())
     throw Failure("FILE and -p both name a file; give one of them.");
+  if (invocation.has("--tree") + invocation.has("--load") + invocation.has("--diff") > 1)
+    throw Failure("--diff, --load and --tree each show something else; give one of them.");
   Session session(invocation.options());
-  const ProjectFile file =
-      named.empty() ? chosenProjectFile(session, FileNames::Any) : existingProjectFile(named, FileNames::Any);
-  const ProjectRecords records = recordsOf(file);
-  return invocation.has("--tree") ? showTree(session, file, records) : showRecords(session, file, records);
+  std::optional<TemporaryProject> input;
+  if (named == "-") input.emplace().fill(readWhole(named));
+  ProjectFile file = chosenFile(session, input ? input->path() : named);
+  const std::string name = input ? "standard input" : file.host;
+  if (input) file.host = name;
+  const ProjectRecords records = readRecords(file);
+  if (invocation.has("--tree")) return showTree(session, file, records);
+  if (invocation.has("--load")) return showLoad(session, records);
+  return invocation.has("--diff") ? showForDiff(session, name, records) : showRecords(session, name, records);
 }
 
 constexpr std::array kCommands{
-    Command{"dump",
-            "Show all records of a project file as JSON, also of a damaged one; nothing is changed",
-            {{{Kind::OptionalText, "FILE", "", "the file, of any name; left out: that of -p"},
-              {Kind::Flag, "--tree", "", "show the file's streams and storages instead, with their sizes"}}},
-            dump},
+    Command{
+        "dump",
+        "Show all records of a project file as JSON, also of a damaged one; nothing is changed",
+        {{{Kind::OptionalText, "FILE", "",
+           "the file, of any name, - for standard input; left out: that of -p"},
+          {Kind::Flag, "--diff", "", "leave out what builds learn, and let no damage be an error: for git"},
+          {Kind::Flag, "--load", "", "show what a load of the file brings up instead"},
+          {Kind::Flag, "--tree", "", "show the file's streams and storages instead, with their sizes"}}},
+        dump},
 };
 
 }  // namespace

@@ -1,0 +1,111 @@
+#include "model/stored_bytes.h"
+
+#include <algorithm>
+
+#include "engine/record_listing.h"
+#include "platform/com/enumerators.h"
+
+namespace forgeyard {
+
+namespace {
+
+constexpr std::uint32_t kRead = STGM_SHARE_EXCLUSIVE | STGM_READ;
+constexpr std::uint32_t kWrite = STGM_SHARE_EXCLUSIVE | STGM_READWRITE | STGM_CREATE;
+// Projects have two levels; a file that is made to go on for ever ends here.
+constexpr int kDeepestLevel = 32;
+constexpr std::uint32_t kPiece = 1u << 20;
+
+class StorageReader {
+ public:
+  explicit StorageReader(std::vector<LoadOmission>& leftOut) : leftOut_(leftOut) {}
+
+  StorageBytes read(IStorage& storage, std::vector<StoredElement>& elements, int level) {
+    StorageBytes bytes;
+    STATSTG own;
+    check(storage.Stat(&own));
+    bytes.clsid = own.clsid;
+    Ref<IEnumSTATSTG> walk;
+    check(storage.EnumElements(&walk));
+    forEach(walk, [&](const STATSTG& found) {
+      StoredElement element{found.name, found.type, found.size, found.clsid, {}};
+      if (found.type == StgType::Stream) {
+        readStream(storage, found.name, bytes);
+      } else {
+        readBelow(storage, element, bytes, level);
+      }
+      elements.push_back(std::move(element));
+    });
+    return bytes;
+  }
+
+ private:
+  void leaveOut(const char* kind, const BString& name, const std::string& why) {
+    leftOut_.push_back({quoted(kind, name), why});
+  }
+
+  // What breaks off is among the storage's findings.
+  void readStream(IStorage& storage, const BString& name, StorageBytes& out) {
+    Ref<IStream> stream;
+    if (const HRESULT status = storage.OpenStream(name, kRead, &stream); failed(status))
+      return leaveOut("stream", name, statusText(status));
+    std::string bytes;
+    for (std::uint32_t got = kPiece; got == kPiece;) {
+      const std::size_t before = bytes.size();
+      bytes.resize(before + kPiece);
+      got = 0;
+      ignore(stream->Read(bytes.data() + before, kPiece, &got));
+      bytes.resize(before + got);
+    }
+    bytes.shrink_to_fit();
+    out.streams.emplace_back(name, std::move(bytes));
+  }
+
+  void readBelow(IStorage& storage, StoredElement& element, StorageBytes& out, int level) {
+    Ref<IStorage> below;
+    HRESULT status = storage.OpenStorage(element.name, kRead | STGM_TRANSACTED, &below);
+    StorageBytes bytes;
+    if (succeeded(status) && level < kDeepestLevel) {
+      status = guard([&] { bytes = read(*below, element.elements, level + 1); });
+      if (failed(status)) leaveOut("storage", element.name, statusText(status));
+    } else {
+      leftOut_.push_back({"what is below " + quoted("storage", element.name),
+                          failed(status) ? statusText(status) : "it lies too deep"});
+    }
+    bytes.clsid = element.clsid;
+    out.storages.emplace_back(element.name, std::move(bytes));
+  }
+
+  std::vector<LoadOmission>& leftOut_;
+};
+
+void writeStream(IStorage& storage, const BString& name, const std::string& bytes) {
+  Ref<IStream> stream;
+  check(storage.CreateStream(name, kWrite, &stream));
+  for (std::size_t at = 0; at < bytes.size();) {
+    const auto count = static_cast<std::uint32_t>(std::min<std::size_t>(kPiece, bytes.size() - at));
+    std::uint32_t written = 0;
+    check(stream->Write(bytes.data() + at, count, &written));
+    if (written != count) throw StatusError(STG_E_MEDIUMFULL);
+    at += count;
+  }
+}
+
+}  // namespace
+
+StorageBytes readStorage(IStorage& storage, std::vector<StoredElement>& elements,
+                         std::vector<LoadOmission>& leftOut) {
+  return StorageReader(leftOut).read(storage, elements, 1);
+}
+
+void writeStorage(IStorage& storage, const StorageBytes& bytes) {
+  if (bytes.clsid != GUID_NULL) check(storage.SetClass(bytes.clsid));
+  for (const auto& [name, content] : bytes.streams) writeStream(storage, name, content);
+  for (const auto& [name, content] : bytes.storages) {
+    Ref<IStorage> below;
+    check(storage.CreateStorage(name, kWrite | STGM_TRANSACTED, &below));
+    writeStorage(*below, content);
+    check(below->Commit(STGC_DEFAULT));
+  }
+}
+
+}  // namespace forgeyard
