@@ -15,11 +15,10 @@ constexpr std::array kGroups{
 
 // In the order of --help.
 constexpr std::span<const Command> (*kFamilies[])() = {
-    projectCommands, importCommands,        componentCommands, connectionCommands,
-    fileCommands,    configurationCommands, propertyCommands,  workspaceCommands,
-    targetCommands,  buildCommands,         planCommands,      graphCommands,
-    dumpCommands,    restoreCommands,       automationCommands, moduleCommands,
-    doctorCommands,
+    projectCommands,       importCommands,   componentCommands, connectionCommands, fileCommands,
+    configurationCommands, propertyCommands, workspaceCommands, targetCommands,     buildCommands,
+    planCommands,          graphCommands,    dumpCommands,      restoreCommands,    automationCommands,
+    moduleCommands,        doctorCommands,
 };
 
 }  // namespace

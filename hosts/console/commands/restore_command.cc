@@ -84,8 +84,10 @@ ExitCode restore(const Invocation& invocation) {
 constexpr std::array kCommands{
     Command{"restore",
             "Make a project file of what dump has shown, byte for byte in every stream",
-            {{{Kind::Text, "JSON", "", "the output of dump, also a changed one; - for standard input"},
-              {Kind::Text, "FILE", "", "the file to make, - for standard output; replaced only with -y"}}},
+            {{{Kind::Text, "JSON", "", "the output of dump, also a changed one; - for standard input",
+               Completes::File},
+              {Kind::Text, "FILE", "", "the file to make, - for standard output; replaced only with -y",
+               Completes::ProjectFile}}},
             restore},
 };
 
