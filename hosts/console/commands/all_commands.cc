@@ -15,10 +15,26 @@ constexpr std::array kGroups{
 
 // In the order of --help.
 constexpr std::span<const Command> (*kFamilies[])() = {
-    projectCommands,       importCommands,   componentCommands, connectionCommands, fileCommands,
-    configurationCommands, propertyCommands, workspaceCommands, targetCommands,     buildCommands,
-    planCommands,          graphCommands,    dumpCommands,      restoreCommands,    automationCommands,
-    moduleCommands,        doctorCommands,
+    // clang-format off: one a line
+    projectCommands,
+    importCommands,
+    componentCommands,
+    connectionCommands,
+    fileCommands,
+    configurationCommands,
+    propertyCommands,
+    workspaceCommands,
+    targetCommands,
+    buildCommands,
+    watchCommands,
+    planCommands,
+    graphCommands,
+    dumpCommands,
+    restoreCommands,
+    automationCommands,
+    moduleCommands,
+    doctorCommands,
+    // clang-format on
 };
 
 }  // namespace

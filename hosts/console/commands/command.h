@@ -101,6 +101,7 @@ std::span<const Command> workspaceCommands();
 std::span<const Command> targetCommands();
 std::span<const Command> buildCommands();
 std::span<const Command> planCommands();
+std::span<const Command> watchCommands();
 std::span<const Command> graphCommands();
 std::span<const Command> dumpCommands();
 std::span<const Command> restoreCommands();

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "hosts/console/base/failure.h"
+#include "hosts/console/base/options.h"
+
+namespace forgeyard::console {
+
+// Builds the project that the options name, and again each time a source, a file that one is known to depend
+// on, or the project has changed, until the user says stop. Changes that come together are one; without one
+// nothing is written. Between builds the project is free for other commands. Throws a Failure when there is
+// no such project at the start.
+ExitCode watchProject(const Options& options);
+
+}  // namespace forgeyard::console
