@@ -13,9 +13,9 @@ constexpr std::array kGroups{
     CommandGroup{"target", "The tool chains that this user's builds can use"},
 };
 
-// In the order of --help.
+// In the order of --help, one a line.
 constexpr std::span<const Command> (*kFamilies[])() = {
-    // clang-format off: one a line
+    // clang-format off
     projectCommands,
     importCommands,
     componentCommands,
