@@ -42,7 +42,6 @@ void FileInsertion::collectTargets() {
     Target target;
     check(folder->get_SourceFiles(&target.files));
     check(folder->get_Extension(&target.extension));
-    collectNames(*target.files);
     targets_.push_back(std::move(target));
   }
 }
@@ -71,8 +70,14 @@ void FileInsertion::run(IEnumString* files, IDispatch* folder) {
   if (folder) {
     if (const Ref<IFolder> given = query<IFolder>(folder)) check(given->get_SourceFiles(&chosen));
   }
-  forEach(Ref<IEnumString>(files), [&](const BString& name) {
-    // The name as it stands against names in capitals: only one wholly in capitals is ever refused.
+  std::vector<BString> wanted;
+  forEach(Ref<IEnumString>(files), [&](const BString& name) { wanted.push_back(name); });
+  // The name as it stands against names in capitals: only one wholly in capitals is ever refused.
+  const auto isInCapitals = [](const BString& name) { return capitals(name) == name.view(); };
+  if (std::any_of(wanted.begin(), wanted.end(), isInCapitals)) {
+    for (const Target& target : targets_) collectNames(*target.files);
+  }
+  for (const BString& name : wanted) {
     if (names_.contains(std::u16string(name.view()))) {
       refused_.push_back(name);
     } else if (!folder) {
@@ -80,7 +85,7 @@ void FileInsertion::run(IEnumString* files, IDispatch* folder) {
     } else if (chosen) {
       add(name, *chosen);
     }
-  });
+  }
 }
 
 void FileInsertion::add(const BString& name, ISourceFiles& files) {

@@ -257,6 +257,16 @@ HRESULT CProject::InsertFiles(IEnumString* files, IDispatch* folder) {
   });
 }
 
+HRESULT CProject::BeginChanges() {
+  ++updatesHeld_;
+  return S_OK;
+}
+
+HRESULT CProject::EndChanges() {
+  if (updatesHeld_ == 0) return E_UNEXPECTED;
+  return --updatesHeld_ == 0 ? UpdateComponentOutputs() : S_OK;
+}
+
 HRESULT CProject::InsertFiles2(const Variant& file, IDispatch* folder) {
   return guard([&] {
     BString name;

@@ -30,7 +30,7 @@ namespace forgeyard {
 class CProject final
     : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>, IPersistStream,
                        CBuilderInputOutput, OutputTab, WeakSource, IComponentSite, IProjectReport,
-                       IProjectRecords, IWorkspaceProjectRecord, SelfDocumenting> {
+                       IProjectChanges, IProjectRecords, IWorkspaceProjectRecord, SelfDocumenting> {
  public:
   CProject();
 
@@ -87,6 +87,10 @@ class CProject final
 
   // IComponentSite, ahead of every other call.
   HRESULT SetServices(IServiceLookup* services) override;
+
+  // IProjectChanges
+  HRESULT BeginChanges() override;
+  HRESULT EndChanges() override;
 
   // IProjectReport
   const std::vector<LoadOmission>& omissions() const override { return omissions_; }

@@ -111,6 +111,17 @@ struct IProjectReport : IUnknown {
   virtual HRESULT saveFailure() const = 0;
 };
 
+// Many changes in a row as one. With every change a project works out anew what each component takes in and
+// makes; between the two calls, which may be nested, it doesn't, and at the last EndChanges once.
+struct IProjectChanges : IUnknown {
+  using Base = IUnknown;
+  static constexpr Guid iid = guid("8E0C5C1B-6A55-4F0E-9B53-7B1D3A9D2C44");
+
+  virtual HRESULT BeginChanges() = 0;
+  // E_UNEXPECTED without a BeginChanges before it.
+  virtual HRESULT EndChanges() = 0;
+};
+
 FORGEYARD_DUAL(IProject)
 
 }  // namespace forgeyard

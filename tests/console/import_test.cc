@@ -12,7 +12,6 @@ namespace {
 
 using testing::AllOf;
 using testing::HasSubstr;
-using testing::Not;
 namespace fs = std::filesystem;
 
 TEST(SourceText, FindsIncludesAndTheFunctionMain) {
@@ -183,7 +182,8 @@ TEST_F(Import, ListOfObjectsTooLongForACommandIsLinkedInSteps) {
   std::string declarations;
   for (int i = 0; i < 420; ++i) {
     const std::string name = "part_" + std::to_string(i) + std::string(200, 'x');
-    put("src/" + name + ".s", "\t.globl " + name + "\n" + name + ":\tmovl $1, %eax\n\tret\n");
+    put("src/" + name + ".s",
+        std::string("\t.globl ").append(name).append("\n").append(name) + ":\tmovl $1, %eax\n\tret\n");
     declarations += "int " + name + "(void);\n";
     calls += "sum += " + name + "();\n";
   }

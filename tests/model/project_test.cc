@@ -74,6 +74,20 @@ TEST_F(ProjectTest, ListsAreNotRefreshedWithoutABuildTool) {
   EXPECT_TRUE(sink->ids.empty());
 }
 
+TEST_F(ProjectTest, ManyChangesAreOneForTheLists) {
+  const Ref<CProject> project = newProject();
+  const Ref<NotifySink> sink = listen(static_cast<IProject*>(project.get()));
+  EXPECT_EQ(project->BeginChanges(), S_OK);
+  EXPECT_EQ(project->BeginChanges(), S_OK);
+  check(project->put_SSRoot(u"a"));
+  check(project->put_SSRoot(u"b"));
+  EXPECT_EQ(project->EndChanges(), S_OK);
+  EXPECT_EQ(sink->count(kProjectComponentOutputs), 0);
+  EXPECT_EQ(project->EndChanges(), S_OK);
+  EXPECT_EQ(sink->count(kProjectComponentOutputs), 1);
+  EXPECT_EQ(project->EndChanges(), E_UNEXPECTED);
+}
+
 TEST_F(ProjectTest, TheActiveProjectIsRegisteredForCommands) {
   const Ref<CProject> project = newProject();
   IUnknown* self = static_cast<IProject*>(project.get());

@@ -7,6 +7,7 @@
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
+#include "hosts/console/import/database_import.h"
 #include "hosts/console/import/project_maker.h"
 #include "hosts/console/import/tree_import.h"
 #include "platform/files/host_location.h"
@@ -46,6 +47,8 @@ ImportRequest requestOf(const Invocation& invocation) {
   const std::string& named = invocation.options().project;
   request.project =
       projectFile(named.empty() ? request.directory + "/" + projectName(request.directory) + ".nqp" : named);
+  if (invocation.has("--compile-commands"))
+    request.database = absolutePath(invocation.text("--compile-commands"));
   if (invocation.has("--main")) request.main = absolutePath(invocation.text("--main"));
   if (invocation.has("--linker-script")) {
     request.script = absolutePath(invocation.text("--linker-script"));
@@ -73,12 +76,15 @@ void requireFreeFile(Session& session, const ProjectFile& file) {
   if (answer != MessageAnswer::Yes) throw Failure(file.host + " was left as it is.");
 }
 
-ImportPlan planOf(const Session& session, const ImportRequest& request, Notes& notes) {
-  const std::string target = chosenTarget(session.registry(), request.target);
-  ProjectParts parts = partsOfTree(request, notes);
+ImportPlan planOf(const Session& session, ImportRequest request, Notes& notes) {
+  const Registry& registry = session.registry();
+  std::string target = chosenTarget(registry, request.target);
+  ProjectParts parts =
+      request.database.empty() ? partsOfTree(request, notes) : partsOfDatabase(request, registry, notes);
+  target = chosenTarget(registry, request.target);
   parts.name = fs::path(request.project.host).stem().string();
   const std::string options = parts.link.options;
-  parts.link = linkToolsOf(session.registry(), target);
+  parts.link = linkToolsOf(registry, target);
   parts.link.options = options;
   parts.link.script = request.script;
   ImportPlan plan = layOut(parts, notes);
@@ -145,6 +151,9 @@ constexpr std::array kCommands{
             "machine",
             {{{Kind::OptionalText, "DIR", "",
                "the directory of the sources; the project becomes DIR/NAME.nqp unless -p names another file"},
+              {Kind::Option, "--compile-commands", "FILE",
+               "take the sources and their options from this compilation database; DIR is then \".\" if left "
+               "out"},
               {Kind::Option, "--folders", "WAY",
                "a folder for each \"directory\" (so if left out) or \"kind\" of file"},
               {Kind::Option, "--target", "NAME", "what it is built for; left out: native"},

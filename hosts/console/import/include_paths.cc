@@ -123,7 +123,7 @@ std::vector<std::string> IncludePaths::directories(Notes& notes) {
               name + " (" + enumeration(question.candidates) + ")");
   }
   for (const auto& [name, file] : missing_)
-    notes.add("Included, and nowhere in the tree", name + " (by " + file + ")");
+    notes.add("Included, and nowhere in the tree", std::string(name).append(" (by ").append(file) + ")");
   return {chosen.begin(), chosen.end()};
 }
 

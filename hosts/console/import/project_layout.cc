@@ -115,8 +115,14 @@ class Layout {
     for (const std::string& file : parts_.mains) {
       std::string name(fileStem(file));
       if (name == "main") name = fileName(shownLabel(directoryLabel(file)));
+      if (const auto known = parts_.programNames.find(file); known != parts_.programNames.end())
+        name = known->second;
       programOf_.emplace(file, static_cast<int>(programs_.size()));
       programs_.push_back(plainName(names.unlikeOthers(name)));
+    }
+    for (const auto& [file, main] : parts_.programMains) {
+      if (const auto program = programOf_.find(main); program != programOf_.end())
+        programOf_.emplace(file, program->second);
     }
   }
 
@@ -127,7 +133,7 @@ class Layout {
       for (const std::string& file : parts_.groups[group].files) {
         Unit like;
         like.group = group;
-        like.assembled = kindOfFile(file) == FileKind::Assembled;
+        like.assembled = parts_.groups[group].assemblerApart && kindOfFile(file) == FileKind::Assembled;
         const auto program = programOf_.find(file);
         if (program != programOf_.end()) like.program = program->second;
         like.label = parts_.folders == FolderMode::ByDirectory ? directoryLabel(file)
@@ -226,7 +232,8 @@ class Layout {
     const CompileGroup& group = parts_.groups[unit.group];
     std::string name = unit.assembled ? "assemble" : "compile";
     if (!group.label.empty()) name += " " + group.label;
-    if (unit.program != kCommon) name += " " + programs_[static_cast<std::size_t>(unit.program)];
+    if (unit.program != kCommon && group.label != programs_[static_cast<std::size_t>(unit.program)])
+      name += " " + programs_[static_cast<std::size_t>(unit.program)];
     PlannedTool tool{unit.assembled ? "asm" : "cc", names_.unlikeOthers(name), {}, {}};
     if (unit.assembled) {
       tool.settings = parts_.assemblerSettings;

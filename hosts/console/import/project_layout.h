@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ enum class FolderMode : std::uint8_t { ByDirectory, ByKind };
 struct CompileGroup {
   std::string label;                 // tells its component from others; may be empty
   std::vector<Assignment> settings;  // of the compiler component
-  std::vector<std::string> files;    // host paths, absolute; assembler sources go to an assembler instead
+  std::vector<std::string> files;    // host paths, absolute
+  bool assemblerApart = true;        // whether its assembler sources go to an assembler instead
 };
 
 struct LinkTools {
@@ -33,6 +35,10 @@ struct ProjectParts {
   std::vector<Assignment> assemblerSettings;
   std::vector<std::string> shown;  // headers and the like: in folders, not built; host paths, absolute
   std::vector<std::string> mains;  // those of the groups' files that have a function main
+  // Where several have one: what each program is to be called, if that is known, and the main of the program
+  // that a source belongs to, for sources that aren't for all of them.
+  std::map<std::string, std::string> programNames;
+  std::map<std::string, std::string> programMains;
   LinkTools link;
 };
 

@@ -29,13 +29,14 @@ class ProjectMaker {
         configuration_(project.configuration()),
         progress_("parts of the project made", project.session().options().quiet) {}
 
-  // With every change the project works out anew what each tool gets and makes: the folders are filled while
-  // nothing is connected.
   void run() {
+    const Ref<IProjectChanges> changes = query<IProjectChanges>(&project_.project());
+    if (changes) check(changes->BeginChanges());
     setConfiguration();
     for (const PlannedFolder& folder : plan_.folders) make(folder);
     for (const PlannedTool& tool : plan_.tools) make(tool);
     for (const PlannedTool& tool : plan_.tools) connect(tool);
+    if (changes) require(changes->EndChanges(), "The project's lists of files");
   }
 
  private:

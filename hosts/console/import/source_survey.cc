@@ -51,8 +51,7 @@ std::vector<std::string> SourceSurvey::mains(const ImportRequest& request, std::
   if (request.main.empty()) {
     if (found.size() > 1) {
       const std::string remark =
-          "Each of the sources with a function main becomes a program of its own, with all other objects "
-          "(--main FILE for one alone)";
+          "Each source with a function main becomes a program of its own (--main FILE for one alone)";
       for (const std::string& file : found) notes.add(remark, relativeTo(request.directory, file));
     }
     return found;

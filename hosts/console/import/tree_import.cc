@@ -10,6 +10,8 @@ namespace forgeyard::console {
 
 namespace {
 
+constexpr std::size_t kLongestList = 120000;
+
 // The directories as a setting lists them; those that a list can't hold are noted.
 std::string directoryList(const std::vector<std::string>& directories, const ImportRequest& request,
                           Notes& notes) {
@@ -65,6 +67,9 @@ ProjectParts partsOfTree(const ImportRequest& request, Notes& notes) {
   for (const TreeFile& file : tree.files) {
     if (file.kind == FileKind::Header) parts.shown.push_back(tree.root + "/" + file.path);
   }
+  if (directories.size() > kLongestList)
+    notes.add("The include paths may be too long for a command, which takes 131071 characters in all",
+              std::to_string(directories.size()) + " characters");
   if (!directories.empty()) {
     group.settings.push_back({"IncludePath", directories});
     parts.assemblerSettings.push_back({"IncludePath", directories});

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "hosts/console/import/compilation_database.h"
+#include "hosts/console/import/notes.h"
+#include "hosts/console/project/properties.h"
+
+namespace forgeyard::console {
+
+// A compiler's command line as settings of a compiler component.
+struct CompilerSettings {
+  std::string compiler;              // the program, behind launchers like ccache
+  std::vector<Assignment> settings;  // in an order of their own, so that equal ones compare equal
+  std::vector<std::string> link;     // those that the link of the objects needs too
+};
+
+// Takes the command apart. `settingPath` spells an absolute host path as settings have it. What can't be
+// expressed is noted, and left out.
+CompilerSettings readCompilerOptions(const CompileCommand& command,
+                                     const std::function<std::string(const std::string&)>& settingPath,
+                                     Notes& notes);
+
+// Whether the program's name is that of a compiler driver of the GNU kind.
+bool isCompilerDriver(const std::string& program);
+// The name of the driver for C that goes with it: "gcc" for "/usr/bin/g++-12".
+std::string driverForC(const std::string& program);
+
+}  // namespace forgeyard::console
