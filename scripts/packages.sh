@@ -20,6 +20,7 @@ target libc6-dev-mipsel-cross    second target: C library
 target qemu-user                 runs programs of the second target
 test   libgsf-bin                another implementation reads our project files
 test   python3-olefile           and one more
+test   git                       shows and merges projects
 lint   clang-format              layout of the code
 lint   clang-tidy                faults that the compiler does not see; brings python3
 fuzz   clang                     compiles the fuzz targets

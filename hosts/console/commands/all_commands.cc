@@ -31,6 +31,7 @@ constexpr std::span<const Command> (*kFamilies[])() = {
     graphCommands,
     dumpCommands,
     restoreCommands,
+    mergeCommands,
     automationCommands,
     moduleCommands,
     doctorCommands,

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "hosts/console/merge/merge_log.h"
+
+namespace forgeyard::console {
+
+// The versions of a project, prepared for a merge value by value: equal ids mean the same component, what one
+// side has removed and the other left alone is gone from all three, and the files of all folders are one list
+// "files" of the root, each with its "key" and the id of its "folder".
+struct AlignedProjects {
+  RecordNode base;
+  RecordNode ours;
+  RecordNode theirs;
+};
+
+AlignedProjects alignedProjects(RecordNode base, RecordNode ours, RecordNode theirs, MergeLog& log);
+
+}  // namespace forgeyard::console
