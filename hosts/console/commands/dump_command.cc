@@ -98,7 +98,7 @@ constexpr std::array kCommands{
         "dump",
         "Show all records of a project file as JSON, also of a damaged one; nothing is changed",
         {{{Kind::OptionalText, "FILE", "",
-           "the file, of any name, - for standard input; left out: that of -p"},
+           "the file, of any name, - for standard input; left out: that of -p", Completes::ProjectFile},
           {Kind::Flag, "--diff", "", "leave out what builds learn, and let no damage be an error: for git"},
           {Kind::Flag, "--load", "", "show what a load of the file brings up instead"},
           {Kind::Flag, "--tree", "", "show the file's streams and storages instead, with their sizes"}}},
