@@ -283,7 +283,8 @@ void CBuilderComponent::say(const BString& text) {
 
 HRESULT CBuilderComponent::DoTask(e_btr* status) {
   *status = E_BTR_COMPLETED;
-  return guard([&] {
+  progress_.begin(services(), name(), inputFiles_.list().size());
+  const HRESULT outcome = guard([&] {
     try {
       runTask(status);
     } catch (const std::system_error& error) {
@@ -292,6 +293,8 @@ HRESULT CBuilderComponent::DoTask(e_btr* status) {
       *status = E_BTR_FATAL;
     }
   });
+  progress_.end(failed(outcome) ? E_BTR_FATAL : *status);
+  return outcome;
 }
 
 void CBuilderComponent::runTask(e_btr* status) {
@@ -328,8 +331,19 @@ void CBuilderComponent::prepareTimes() {
   fileTimes().prefetch(outputFiles_.list());
 }
 
-CBuilderComponent::FileResult CBuilderComponent::BuildFile(const BString& file) {
+// The look ahead leaves no trace: a marker is for the file at hand.
+std::size_t CBuilderComponent::countNeeded(std::span<const BString> names) {
+  const auto markers = markers_;
+  const auto needed =
+      std::count_if(names.begin(), names.end(), [&](const BString& file) { return bool(NeedsBuild(file)); });
+  markers_ = markers;
+  return static_cast<std::size_t>(needed);
+}
+
+CBuilderComponent::FileResult CBuilderComponent::BuildFile(const BString& file,
+                                                           std::span<const BString> rest) {
   if (!NeedsBuild(file)) return {};
+  progress_.nextTool(file, [&] { return countNeeded(rest); });
   FileResult result{true, runTool(commandFor(file))};
   if (result.status == E_BTR_COMPLETED) refreshMarker(file);
   return result;
@@ -337,7 +351,9 @@ CBuilderComponent::FileResult CBuilderComponent::BuildFile(const BString& file) 
 
 e_btr CBuilderComponent::BuildOnce() {
   const BString command = BuildOnceCommand();
-  return NeedsBuildOnce() ? runTool(command) : E_BTR_COMPLETED;
+  if (!NeedsBuildOnce()) return E_BTR_COMPLETED;
+  progress_.nextTool({}, [] { return 0; });
+  return runTool(command);
 }
 
 BString CBuilderComponent::commandFor(const BString& file) {
@@ -366,7 +382,7 @@ e_btr CBuilderComponent::runTool(const BString& command) {
   const struct Ended {
     ~Ended() { fileTimesAfterTool(); }
   } ended;
-  return runner_.ExecuteCommand(this, command, workingDirectory());
+  return runner_.ExecuteCommand(this, command, workingDirectory(), progress_);
 }
 
 void CBuilderComponent::clearBuildDirty(e_btr status) {

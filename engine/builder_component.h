@@ -2,6 +2,7 @@
 
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,6 +10,7 @@
 #include "engine/component_base.h"
 #include "engine/dependency_times.h"
 #include "engine/macro_map.h"
+#include "engine/run_progress.h"
 #include "engine/tool_runner.h"
 #include "typelib/build_plan.h"
 #include "typelib/settings.h"
@@ -91,7 +93,8 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
     bool needed = false;
     e_btr status = E_BTR_COMPLETED;
   };
-  FileResult BuildFile(const BString& file);
+  // `rest`: the files that come behind it.
+  FileResult BuildFile(const BString& file, std::span<const BString> rest);
   e_btr BuildOnce();
   // Every input file in turn: an error lets the others be tried, a stop or a failed start ends it. `built` is
   // told of each file that was needed and completed.
@@ -133,6 +136,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   void refreshMarker(const BString& file);
   BString workingDirectory() const;
   void prepareTimes();
+  std::size_t countNeeded(std::span<const BString> names);
   // Header, reader and tool, for a command that is needed.
   e_btr runTool(const BString& command);
 
@@ -147,6 +151,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   bool headerWritten_ = false;
   PlannedComponent* planned_ = nullptr;  // while a plan is made
   ToolRunner runner_;
+  RunProgress progress_;
   DependencyTimes times_;
 };
 
@@ -155,8 +160,11 @@ e_btr CBuilderComponent::buildEachFile(Built&& built) {
   e_btr status = E_BTR_COMPLETED;
   // The list is kept: lists may be worked out anew while a tool runs.
   const std::shared_ptr<const StringSet::List> inputs = inputFiles_.shared();
-  for (const BString& file : *inputs) {
-    const FileResult result = BuildFile(file);
+  std::span<const BString> rest(*inputs);
+  while (!rest.empty()) {
+    const BString& file = rest.front();
+    rest = rest.subspan(1);
+    const FileResult result = BuildFile(file, rest);
     if (result.status != E_BTR_COMPLETED) status = result.status;
     if (status == E_BTR_STOPPED || status == E_BTR_FATAL) break;
     if (result.needed && result.status == E_BTR_COMPLETED) built(file);

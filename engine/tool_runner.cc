@@ -80,34 +80,38 @@ std::unique_ptr<Process> ToolRunner::start(const BString& command, const BString
   return Process::start(options, error);
 }
 
-e_btr ToolRunner::ExecuteCommand(IOutputTab* tab, const BString& command, const BString& workingDirectory) {
+e_btr ToolRunner::ExecuteCommand(IOutputTab* tab, const BString& command, const BString& workingDirectory,
+                                 Listener& listener) {
   const std::unique_ptr<NamedEvent> stop = NamedEvent::open(STOP_EVENT);
   const std::unique_ptr<Process> process = start(command, workingDirectory);
   if (!process) return notStarted(tab, command);
   ignore(tab->MsgOut(u""));
   ignore(tab->MsgOut(command));
+  listener.toolStarted(command);
   std::array<const Waitable*, 2> handles{process.get(), stop.get()};
   const std::size_t fired = Apartment::main()->waitPumping(Waitables(handles.data(), stop ? 2 : 1));
   // The spawner acts on the same event and may be quicker: then the tool's failure is the stop's doing.
   const bool stopped = fired != 0 || (stop && stop->isSignalled() && process->exitCode() != 0);
-  return stopped ? toolStopped(*process) : toolEnded(tab, *process);
+  return stopped ? toolStopped(*process, listener) : toolEnded(tab, *process, listener);
 }
 
-e_btr ToolRunner::toolEnded(IOutputTab* tab, Process& process) {
+e_btr ToolRunner::toolEnded(IOutputTab* tab, Process& process, Listener& listener) {
   const int code = process.exitCode().value_or(-1);
   reader_->closeWriteEnd();
   // The spawner has gone, so the pipe has ended: the tool's last lines come before the line about it.
   awaitReader();
   reader_.reset();
+  listener.toolEnded(code);
   ignore(tab->MsgOut(BString::fromNarrow(exitCodeLine(code))));
   return code ? E_BTR_ERROR : E_BTR_COMPLETED;
 }
 
-e_btr ToolRunner::toolStopped(Process& process) {
+e_btr ToolRunner::toolStopped(Process& process, Listener& listener) {
   reader_->closeWriteEnd();
   if (!process.exitCode()) reader_->stopShowing();
   awaitReader();
   reader_.reset();
+  listener.toolEnded(std::nullopt);
   return E_BTR_STOPPED;
 }
 

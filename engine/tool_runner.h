@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "engine/output_reader.h"
@@ -16,6 +18,17 @@ namespace forgeyard {
 // thread only.
 class ToolRunner {
  public:
+  // Hears of the run of a tool: between the two the tab gets the tool's own lines, and no others.
+  class Listener {
+   public:
+    virtual void toolStarted(const BString& command) = 0;
+    // The exit code of a tool that has ended by itself.
+    virtual void toolEnded(std::optional<std::int32_t> exitCode) = 0;
+
+   protected:
+    ~Listener() = default;
+  };
+
   // Reads from the registry where the spawner is.
   ToolRunner();
   ToolRunner(const ToolRunner&) = delete;
@@ -24,16 +37,17 @@ class ToolRunner {
   // Begins to read the output of the next command. False when no pipe or thread could be had.
   bool OpenOutputReader(IOutputTab* tab);
   // Runs the command that the reader was opened for and ends with that. The working directory is the host's
-  // own when the text is empty.
-  e_btr ExecuteCommand(IOutputTab* tab, const BString& command, const BString& workingDirectory);
+  // own when the text is empty. A tool that can't be started is none that the listener hears of.
+  e_btr ExecuteCommand(IOutputTab* tab, const BString& command, const BString& workingDirectory,
+                       Listener& listener);
 
   // The quoted path of the spawner and a blank.
   const BString& spawnPrefix() const { return spawnPrefix_; }
 
  private:
   std::unique_ptr<Process> start(const BString& command, const BString& workingDirectory) const;
-  e_btr toolEnded(IOutputTab* tab, Process& process);
-  e_btr toolStopped(Process& process);
+  e_btr toolEnded(IOutputTab* tab, Process& process, Listener& listener);
+  e_btr toolStopped(Process& process, Listener& listener);
   e_btr notStarted(IOutputTab* tab, const BString& command);
   // False when the reader is still at work after two seconds.
   bool awaitReader();

@@ -380,7 +380,7 @@ int runCommandLine(int argc, char** argv) {
   std::vector<std::string> typed(argv + 1, argv + argc);
   std::vector<std::string> rest = cutRest(typed);
   const bool json = asksForJson(typed);
-  if (json) speakJson();
+  speakIn(json ? Speech::Json : Speech::Text);
   ExitCode code = run(typed, std::move(rest));
   if (json) {
     const auto elapsed = std::chrono::steady_clock::now() - begin;

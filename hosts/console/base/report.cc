@@ -22,14 +22,13 @@ void toStandardError(std::string_view message, LineEnd end) {
 
 void report(ReportKind kind, std::string_view message, LineEnd end) {
   while (message.ends_with('\n')) message.remove_suffix(1);
-  if (end == LineEnd::Open || !currentReporter || !currentReporter(kind, message))
-    toStandardError(message, end);
+  if (!currentReporter || !currentReporter(kind, message)) toStandardError(message, end);
 }
 
 }  // namespace
 
 void complain(std::string_view message, LineEnd end) {
-  report(ReportKind::Message, message, end);
+  report(end == LineEnd::Open ? ReportKind::Question : ReportKind::Message, message, end);
 }
 
 void complainOfFailure(std::string_view message) {

@@ -12,9 +12,9 @@ void complain(std::string_view message, LineEnd end = LineEnd::Closed);
 // The same for what ends the command.
 void complainOfFailure(std::string_view message);
 
-enum class ReportKind : std::uint8_t { Message, Error };
+enum class ReportKind : std::uint8_t { Message, Error, Question };
 
-// Is asked first with each whole message, until the next call; null ends that. Answers false for one that has
+// Is asked first with each message, until the next call; null ends that. Answers false for one that has
 // to go to standard error after all.
 using Reporter = bool (*)(ReportKind kind, std::string_view message);
 void setReporter(Reporter reporter);

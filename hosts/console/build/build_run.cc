@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "hosts/console/base/report.h"
+#include "hosts/console/build/build_display.h"
 #include "hosts/console/build/stop_signals.h"
 #include "hosts/console/build/tool_processes.h"
 #include "hosts/console/project/components.h"
@@ -69,6 +70,7 @@ class Stopper {
       case 2:
         return killTools();
       default:
+        session_.output().setFooter({});
         session_.output().flush();
         ::_exit(static_cast<int>(ExitCode::Stopped));
     }
@@ -163,9 +165,11 @@ ExitCode runBuild(OpenProject& project, std::u16string_view command) {
   ExitCode result = ExitCode::Failure;
   {
     const ActiveFor active(project.project(), project.configuration());
+    BuildDisplay display(project, command);
     const CommandEnd end = runCommand(project.session(), command);
     if (!end.result) throw Failure("The build was not started.");
     result = end.stopAsked ? ExitCode::Stopped : *end.result;
+    display.end(result);
   }
   storeWhatWasLearnt(project);
   return project.session().finish(result);

@@ -40,6 +40,10 @@ BString ProjectPaths::toProject(const std::string& path) const {
   return respelled ? respelled.path : model.path;
 }
 
+std::string ProjectPaths::directory() const {
+  return hostPrefix_.size() > 1 ? hostPrefix_.substr(0, hostPrefix_.size() - 1) : hostPrefix_;
+}
+
 std::string ProjectPaths::toUser(const BString& name) const {
   const std::string host = spelledHost(name).value_or(name.narrow());
   const bool inside = host.size() > hostPrefix_.size() && host.starts_with(hostPrefix_);

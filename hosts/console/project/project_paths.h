@@ -17,6 +17,9 @@ class ProjectPaths {
   // be spelled.
   BString toProject(const std::string& path) const;
 
+  // The host path of the project's directory.
+  std::string directory() const;
+
   // The host path; relative to the project's directory for what lies below that.
   std::string toUser(const BString& name) const;
 

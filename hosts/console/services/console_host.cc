@@ -16,6 +16,7 @@ HRESULT ConsoleHost::LookUp(const Guid& service, const Guid& iid, void** out) {
   if (service == SID_SourceManager) return sources_->QueryInterface(iid, out);
   if (service == SID_CommandHost) return commands_->QueryInterface(iid, out);
   if (service == SID_BuildTool && tool_) return tool_->QueryInterface(iid, out);
+  if (service == SID_BuildProgress && progress_) return progress_->QueryInterface(iid, out);
   if (service == SID_ServiceLookup) return QueryInterface(iid, out);
   *out = nullptr;
   return E_FAIL;

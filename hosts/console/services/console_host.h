@@ -6,6 +6,7 @@
 #include "hosts/console/services/main_frame.h"
 #include "hosts/console/services/output_window.h"
 #include "hosts/console/services/source_manager.h"
+#include "typelib/progress.h"
 
 namespace forgeyard::console {
 
@@ -21,6 +22,8 @@ class ConsoleHost final : public ComObject<IServiceLookup> {
   CommandHost& commands() const { return *commands_; }
   // What the module's objects find as the build tool. Null, which lets go of it, before the end.
   void setBuildTool(IUnknown* tool) { tool_ = Ref<IUnknown>(tool); }
+  // Hears of builds; null, as at first: nobody does.
+  void setBuildProgress(IBuildProgress* progress) { progress_ = Ref<IBuildProgress>(progress); }
 
   HRESULT LookUp(const Guid& service, const Guid& iid, void** out) override;
 
@@ -30,6 +33,7 @@ class ConsoleHost final : public ComObject<IServiceLookup> {
   Ref<SourceManager> sources_;
   Ref<CommandHost> commands_;
   Ref<IUnknown> tool_;
+  Ref<IBuildProgress> progress_;
 };
 
 }  // namespace forgeyard::console

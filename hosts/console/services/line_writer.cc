@@ -79,7 +79,7 @@ LineWriter::~LineWriter() {
 
 // Room for that many bytes behind what waits.
 char* LineWriter::reserve(std::size_t bytes) {
-  if (capacity_ - used_ < bytes) flush();
+  if (capacity_ - used_ < bytes) writeOut();
   if (capacity_ < bytes) {
     buffer_.reset(new char[bytes]);
     capacity_ = bytes;
@@ -97,12 +97,13 @@ void LineWriter::finish(char* end) {
   if (used_ == 0) oldest_ = now;
   newest_ = now;
   used_ = static_cast<std::size_t>(end - buffer_.get());
-  if (now - oldest_ >= kLongest) flush();
+  if (now - oldest_ >= kLongest) writeOut();
 }
 
 void LineWriter::line(std::u16string_view text) {
   if (state_ != State::Open) return;
   if (encoder_) return line(narrowFromWide(text));
+  if (footerShown_) eraseFooter();
   char* out = reserve(text.size() + 1);
   if (!narrowAscii(text, out)) return line(narrowFromWide(text));
   finishLine(out + text.size());
@@ -114,6 +115,7 @@ void LineWriter::line(std::string_view text) {
 }
 
 void LineWriter::append(std::string_view text) {
+  if (footerShown_) eraseFooter();
   char* out = reserve(text.size() + 1);
   if (!text.empty()) std::memcpy(out, text.data(), text.size());
   finishLine(out + text.size());
@@ -121,12 +123,48 @@ void LineWriter::append(std::string_view text) {
 
 void LineWriter::raw(std::string_view bytes) {
   if (state_ != State::Open || bytes.empty()) return;
+  if (footerShown_) eraseFooter();
+  put(bytes);
+}
+
+void LineWriter::put(std::string_view bytes) {
   char* out = reserve(bytes.size());
   std::memcpy(out, bytes.data(), bytes.size());
   finish(out + bytes.size());
 }
 
+void LineWriter::setFooter(std::string text) {
+  if (text == footer_) return;
+  footer_ = std::move(text);
+  if (footer_.empty()) {
+    if (footerShown_) eraseFooter();
+    footerWaits_ = false;
+  } else {
+    footerWaits_ = true;
+  }
+}
+
+void LineWriter::hideFooter() {
+  if (!footerShown_) return;
+  eraseFooter();
+  writeOut();
+}
+
+void LineWriter::eraseFooter() {
+  footerShown_ = false;
+  footerWaits_ = !footer_.empty();
+  if (state_ == State::Open) put("\r\x1b[K");
+}
+
+// Over the one before, of which what is longer is cut off: nothing flickers.
+void LineWriter::showFooter() {
+  footerShown_ = true;
+  footerWaits_ = false;
+  put("\r" + footer_ + "\x1b[K");
+}
+
 std::chrono::milliseconds LineWriter::dueIn() const {
+  if (footerIsDue()) return milliseconds::zero();
   if (used_ == 0) return milliseconds(-1);
   if (terminal_) return milliseconds::zero();
   const Clock::time_point due = std::min(newest_ + kIdle, oldest_ + kLongest);
@@ -135,6 +173,11 @@ std::chrono::milliseconds LineWriter::dueIn() const {
 }
 
 void LineWriter::flush() {
+  if (footerIsDue()) showFooter();
+  writeOut();
+}
+
+void LineWriter::writeOut() {
   std::string_view rest(buffer_.get(), std::exchange(used_, 0));
   giveUp_ = std::nullopt;
   while (!rest.empty() && state_ == State::Open) {

@@ -17,6 +17,9 @@ namespace forgeyard::console {
 // Writes lines to a descriptor through a buffer of its own. Lines leave when the buffer is full, when flush()
 // is called, and in the destructor; who adds lines asks dueIn() how long they may wait. One thread.
 //
+// On a terminal a footer may stay below all lines: it is taken away for them and put back behind them, in one
+// piece with them.
+//
 // When the descriptor can't be written any more, what is left is dropped, and so is every later line: state()
 // says why. A stuck reader doesn't hold the program up against the user's wish: while `interrupt` is
 // signalled, output that would have to wait for more than half a second is dropped (State::Abandoned).
@@ -41,6 +44,12 @@ class LineWriter {
   void raw(std::string_view bytes);
   void flush();
 
+  // The text below the lines, until the next call; empty for none. It must fit on a line of the terminal. It
+  // is shown with the next flush.
+  void setFooter(std::string text);
+  // Takes the footer away, until the next flush, so that others can write to the terminal.
+  void hideFooter();
+
   // How long the lines that wait may go on waiting: zero on a terminal; nothing waits: negative, for ever.
   std::chrono::milliseconds dueIn() const;
 
@@ -56,6 +65,11 @@ class LineWriter {
 
   char* reserve(std::size_t bytes);
   void append(std::string_view line);
+  void put(std::string_view bytes);
+  void writeOut();
+  void eraseFooter();
+  void showFooter();
+  bool footerIsDue() const { return footerWaits_ && state_ == State::Open; }
   void finishLine(char* end);
   void finish(char* end);
   bool waitUntilWritable();
@@ -64,6 +78,9 @@ class LineWriter {
 
   int descriptor_;
   Encoder encoder_ = nullptr;
+  std::string footer_;
+  bool footerShown_ = false;  // stands behind what has been written
+  bool footerWaits_ = false;  // has to be written with the next flush
   bool terminal_;
   bool mayBlock_;  // a pipe, socket or terminal
   std::size_t capacity_;

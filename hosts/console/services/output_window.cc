@@ -35,7 +35,8 @@ HRESULT OutputWindow::AddLine(const BString& tab, const BString& text) {
   });
 }
 
-void OutputWindow::write(const BString& tab, const BString& text) {
+void OutputWindow::write(const BString& tab, const BString& text, LineOrigin origin) {
+  if (sink_) return sink_->write(tab, text, origin);
   if (form_ == Form::Json)
     return writeObject(*writer_, "line", {{"tab", tab.narrow()}, {"text", text.narrow()}});
   writer_->line(text.view());
@@ -49,7 +50,7 @@ HRESULT OutputWindow::ClearTab(const BString&) {
 void OutputWindow::addQuietly(const BString& tab, const BString& text) {
   switch (filter_.judge(text)) {
     case QuietFilter::Verdict::Show:
-      if (!held_.isNull()) write(tab, held_);
+      if (!held_.isNull()) write(tab, held_, LineOrigin::Module);
       held_ = {};
       write(tab, text);
       break;

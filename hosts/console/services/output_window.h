@@ -13,6 +13,20 @@
 
 namespace forgeyard::console {
 
+enum class LineOrigin : std::uint8_t {
+  Tab,     // as it came
+  Module,  // one of the module's own that was kept and is shown late
+};
+
+// Writes the lines of the output window in its place.
+class LineSink {
+ public:
+  virtual void write(const BString& tab, const BString& text, LineOrigin origin) = 0;
+
+ protected:
+  ~LineSink() = default;
+};
+
 // The output window on standard output: lines of all tabs go there as they come, since a terminal has but one
 // place. Borrows the writer. Main thread only.
 class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
@@ -21,7 +35,9 @@ class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
   OutputWindow(LineWriter& writer, bool quiet, Form form = Form::Text)
       : writer_(&writer), quiet_(quiet), form_(form) {}
 
-  // Gets the lines in place of the writer, until the next call; null ends that.
+  // Gets what is to be shown, until the next call; borrowed. Null ends that.
+  void setSink(LineSink* sink) { sink_ = sink; }
+  // Gets all lines in place of the writer, until the next call; null ends that.
   void setListener(std::function<void(const BString& tab, const BString& text)> listener) {
     listener_ = std::move(listener);
   }
@@ -37,9 +53,10 @@ class OutputWindow final : public ComObject<IOutputWindow, IOutputLines> {
  private:
   bool hasTab(const BString& tab) const;
   void addQuietly(const BString& tab, const BString& text);
-  void write(const BString& tab, const BString& text);
+  void write(const BString& tab, const BString& text, LineOrigin origin = LineOrigin::Tab);
 
   LineWriter* writer_;
+  LineSink* sink_ = nullptr;
   std::function<void(const BString& tab, const BString& text)> listener_;
   bool quiet_;
   Form form_;

@@ -14,12 +14,19 @@ namespace {
 // False when it has to be said elsewhere: standard output is gone.
 bool reportOnOutput(ReportKind kind, std::string_view message) {
   LineWriter& out = standardOutput();
+  if (kind == ReportKind::Question) return false;
   if (kind == ReportKind::Error) {
     writeObject(out, "error", {{"message", message}});
   } else {
     writeObject(out, "message", {{"text", message}});
   }
   return out.state() == LineWriter::State::Open;
+}
+
+// Standard error may be the same terminal.
+bool makeRoom(ReportKind, std::string_view) {
+  standardOutput().hideFooter();
+  return false;
 }
 
 }  // namespace
@@ -29,9 +36,10 @@ LineWriter& standardOutput() {
   return output;
 }
 
-void speakJson() {
-  standardOutput().setEncoder(lineObject);
-  setReporter(reportOnOutput);
+void speakIn(Speech speech) {
+  const bool json = speech == Speech::Json;
+  standardOutput().setEncoder(json ? lineObject : nullptr);
+  setReporter(json ? reportOnOutput : makeRoom);
 }
 
 }  // namespace forgeyard::console

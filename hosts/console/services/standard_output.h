@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "hosts/console/services/line_writer.h"
 
 namespace forgeyard::console {
@@ -8,8 +10,9 @@ namespace forgeyard::console {
 // through this writer, so that it stays in order. Main thread only.
 LineWriter& standardOutput();
 
-// From here on everything is said on standard output, as JSON lines (services/json_lines.h): lines, and what
-// would have gone to standard error too, but for questions.
-void speakJson();
+// How the program speaks, from here on. As text, messages go to standard error, past the footer of standard
+// output. As JSON lines (services/json_lines.h) all but questions goes to standard output.
+enum class Speech : std::uint8_t { Text, Json };
+void speakIn(Speech speech);
 
 }  // namespace forgeyard::console

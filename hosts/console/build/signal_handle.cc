@@ -1,9 +1,8 @@
-#include "hosts/console/build/stop_signals.h"
+#include "hosts/console/build/signal_handle.h"
 
 #include <sys/signalfd.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <system_error>
 
@@ -11,13 +10,10 @@ namespace forgeyard::console {
 
 namespace {
 
-constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
-
-// Those that this process ignores on the wish of whoever started it (nohup) stay ignored.
-sigset_t wantedSignals() {
+sigset_t heeded(std::span<const int> signals) {
   sigset_t set;
   sigemptyset(&set);
-  for (const int signal : kSignals) {
+  for (const int signal : signals) {
     struct sigaction action {};
     if (::sigaction(signal, nullptr, &action) == 0 && action.sa_handler != SIG_IGN) sigaddset(&set, signal);
   }
@@ -26,8 +22,8 @@ sigset_t wantedSignals() {
 
 }  // namespace
 
-StopSignals::StopSignals() {
-  const sigset_t wanted = wantedSignals();
+SignalHandle::SignalHandle(std::span<const int> signals) {
+  const sigset_t wanted = heeded(signals);
   ::pthread_sigmask(SIG_BLOCK, &wanted, &before_);
   fd_ = Descriptor(::signalfd(-1, &wanted, SFD_CLOEXEC | SFD_NONBLOCK));
   if (fd_) return;
@@ -36,14 +32,14 @@ StopSignals::StopSignals() {
   throw std::system_error(error, std::generic_category(), "listening for signals");
 }
 
-StopSignals::~StopSignals() {
-  // One that has come by now is answered already: the build is over.
+SignalHandle::~SignalHandle() {
+  // One that has come by now is answered already: what it was wanted for is over.
   while (take()) {
   }
   ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
 }
 
-std::optional<int> StopSignals::take() noexcept {
+std::optional<int> SignalHandle::take() noexcept {
   signalfd_siginfo info{};
   if (::read(fd_.get(), &info, sizeof info) != sizeof info) return std::nullopt;
   return static_cast<int>(info.ssi_signo);

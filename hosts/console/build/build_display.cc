@@ -1,0 +1,119 @@
+#include "hosts/console/build/build_display.h"
+
+#include <filesystem>
+
+#include "hosts/console/build/json_view.h"
+#include "hosts/console/build/text_view.h"
+#include "hosts/console/project/configurations.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+std::chrono::milliseconds since(std::chrono::steady_clock::time_point begin) {
+  return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - begin);
+}
+
+// "build" of "ProjectBuild".
+std::string taskOf(std::u16string_view command) {
+  constexpr std::u16string_view kPrefix = u"Project";
+  if (command.starts_with(kPrefix)) command.remove_prefix(kPrefix.size());
+  std::string task = BString(command).narrow();
+  for (char& c : task) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return task;
+}
+
+BuildSubject subjectOf(OpenProject& project, const ProjectPaths& paths, std::u16string_view command) {
+  return {project.file().host, paths.directory(), nameOf(*project.configuration()), taskOf(command)};
+}
+
+std::unique_ptr<BuildView> makeView(OpenProject& project, const ProjectPaths& paths,
+                                    std::u16string_view command) {
+  Session& session = project.session();
+  if (!session.options().json) return std::make_unique<TextView>(session);
+  return std::make_unique<JsonView>(session.output(), subjectOf(project, paths, command));
+}
+
+}  // namespace
+
+class BuildDisplay::Progress final : public ComObject<IBuildProgress> {
+ public:
+  explicit Progress(BuildDisplay& display) : display_(display) {}
+
+  HRESULT OnComponentStart(const BString& component, std::int32_t inputs, std::int32_t* count) override {
+    return guard([&] {
+      *count = display_.view_->wantsCounts() ? 1 : 0;
+      display_.component_ = component.narrow();
+      display_.view_->componentStarted(component, inputs);
+    });
+  }
+  HRESULT OnComponentEnd(const BString& component, e_btr result) override {
+    return guard([&] { display_.view_->componentEnded(component, result); });
+  }
+  HRESULT OnToolStart(const ToolRun& run) override {
+    return guard([&] { display_.toolStarted(run); });
+  }
+  HRESULT OnToolEnd(const ToolRun& run, std::optional<std::int32_t> exitCode) override {
+    return guard([&] { display_.toolEnded(run, exitCode); });
+  }
+
+ private:
+  BuildDisplay& display_;
+};
+
+BuildDisplay::BuildDisplay(OpenProject& project, std::u16string_view command)
+    : session_(project.session()), paths_(project.project()), view_(makeView(project, paths_, command)) {
+  session_.host().outputWindow().setSink(this);
+  session_.host().setBuildProgress(make<Progress>(*this).get());
+}
+
+BuildDisplay::~BuildDisplay() {
+  session_.host().setBuildProgress(nullptr);
+  session_.host().outputWindow().setSink(nullptr);
+}
+
+void BuildDisplay::end(ExitCode result) {
+  view_->ended({result, findings_, tools_, since(begin_)});
+}
+
+void BuildDisplay::write(const BString& tab, const BString& text, LineOrigin origin) {
+  std::optional<Diagnostic> found;
+  if (toolRuns_ && origin == LineOrigin::Tab) found = recognise(text.view());
+  if (found) {
+    found = withUsersPath(std::move(*found));
+    findings_.add(*found, component_);
+  }
+  view_->line(tab, text, found ? &*found : nullptr);
+}
+
+// Tools run in the project's directory, so that what they name relative to it is so for the user too.
+Diagnostic BuildDisplay::withUsersPath(Diagnostic diagnostic) const {
+  std::string& file = diagnostic.file;
+  if (file.find('\\') != file.npos) {
+    file = paths_.toUser(BString::fromNarrow(file));
+  } else if (file.starts_with('/')) {
+    file = std::filesystem::path(file).lexically_normal().string();
+    if (const ModelPath model = toModel(file)) file = paths_.toUser(model.path);
+  } else if (file.starts_with("./")) {
+    file = std::filesystem::path(file).lexically_normal().string();
+  }
+  return diagnostic;
+}
+
+void BuildDisplay::toolStarted(const ToolRun& run) {
+  toolRuns_ = true;
+  toolBegin_ = Clock::now();
+  ++tools_;
+  findings_.toolStarted();
+  view_->toolStarted(run, run.file.isNull() ? "" : paths_.toUser(run.file));
+}
+
+void BuildDisplay::toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode) {
+  toolRuns_ = false;
+  findings_.toolEnded();
+  view_->toolEnded(run, exitCode, since(toolBegin_));
+}
+
+}  // namespace forgeyard::console

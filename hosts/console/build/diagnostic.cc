@@ -1,0 +1,344 @@
+#include "hosts/console/build/diagnostic.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "platform/text/narrow.h"
+
+namespace forgeyard::console {
+
+namespace {
+
+using View = std::u16string_view;
+
+struct Word {
+  View text;
+  Severity severity;
+};
+
+// What stands before the colon in front of a message. The longer of two that begin alike comes first.
+constexpr std::array kWords{
+    Word{u"fatal error", Severity::Error},
+    Word{u"internal compiler error", Severity::Error},
+    Word{u"error", Severity::Error},
+    Word{u"Fatal error", Severity::Error},
+    Word{u"Internal error", Severity::Error},
+    Word{u"Error", Severity::Error},
+    Word{u"warning", Severity::Warning},
+    Word{u"Warning", Severity::Warning},
+    Word{u"note", Severity::Note},
+    Word{u"NOTE", Severity::Note},
+    Word{u"Info", Severity::Note},
+    Word{u"sorry, unimplemented", Severity::Error},
+};
+
+// Programs by the end of their names, which may have a path and the name of a machine in front.
+constexpr std::array<View, 18> kPrograms{
+    u"gcc", u"g++",    u"cc",      u"c++",  u"cpp",         u"cc1",   u"cc1plus", u"collect2", u"as",
+    u"ld",  u"ld.bfd", u"ld.gold", u"lto1", u"lto-wrapper", u"clang", u"clang++", u"ar",       u"make"};
+// Those of them that say nothing as long as all is well, and the programs around the tools.
+constexpr std::array<View, 9> kSilentPrograms{u"ld",     u"ld.bfd", u"ld.gold",  u"objcopy", u"TideSpawn",
+                                              u"gnu-cc", u"gnu-as", u"TRAMLINK", u"collect2"};
+
+// A form of a line. In a pattern a blank stands for one or more, and
+//   %s a word of kWords      %l, %c numbers of line and column
+//   %f a file                %b a file without a blank in its name     %k a linker script
+//   %p a program             %q a program that is silent else
+//   %o an offset in a section, "(.text+0x5)"
+//   %t the message, to the end               %* anything
+// The first form that fits a line says what it is; the severity is that of %s where the form has it.
+struct Form {
+  View pattern;
+  Severity severity = Severity::Error;
+  bool consequence = false;
+  bool ignored = false;
+};
+
+constexpr Form plain(View pattern) {
+  return {pattern};
+}
+constexpr Form note(View pattern) {
+  return {pattern, Severity::Note};
+}
+constexpr Form consequence(View pattern) {
+  return {pattern, Severity::Error, true};
+}
+constexpr Form nothing(View pattern) {
+  return {pattern, Severity::Note, false, true};
+}
+
+constexpr std::array kForms{
+    // Compilers and assemblers
+    note(u"In file included from %f:%l:%c%*"),
+    note(u"In file included from %f:%l%*"),
+    note(u" from %f:%l:%c%*"),
+    note(u" from %f:%l%*"),
+    note(u"%f:%l:%c: required from %t"),
+    plain(u"%q: %f:%l: %s: %t"),
+    plain(u"%f:%l:%c: %s: %t"),
+    plain(u"%f:%l: %s: %t"),
+    // What ends a run behind its real faults
+    consequence(u"%p: error: ld returned %l exit status%*"),
+    consequence(u"%q: final link failed%*"),
+    consequence(u"%q: failed to set dynamic section sizes%*"),
+    consequence(u"%p: *** %t"),
+    consequence(u"%p[%l]: *** %t"),
+    // Linkers. The function is told by the line behind as well.
+    nothing(u"%q: %f: in function %t"),
+    nothing(u"%b: in function %t"),
+    nothing(u"%q: skipping incompatible %t"),
+    nothing(u"%q: use the --help option %t"),
+    nothing(u"%q:%f: file format not recognized; treating as linker script"),
+    plain(u"%p: %s: %t"),
+    plain(u"%q: %s: %t"),
+    plain(u"%q: %b: %s: %t"),
+    plain(u"%q: %f:%o: %s: %t"),
+    plain(u"%f:%o: %s: %t"),
+    plain(u"%q: %f:%l: %t"),
+    plain(u"%q: %f:%o: %t"),
+    plain(u"%q:%f:%l: %t"),
+    plain(u"%q: %t"),
+    plain(u"%f:%o: undefined reference to %t"),
+    plain(u"%f:%l: undefined reference to %t"),
+    plain(u"%f:%o: multiple definition of %t"),
+    plain(u"%f:%l: multiple definition of %t"),
+    plain(u"%f:%o: more undefined references to %t"),
+    plain(u"%f:%o: relocation truncated to fit%t"),
+    plain(u"%k:%l: %t"),
+    // Anything else that tells a severity
+    plain(u"%b: %s: %t"),
+    plain(u"%s: %t"),
+};
+
+bool isDigit(char16_t c) {
+  return c >= u'0' && c <= u'9';
+}
+
+bool endsWithName(View path, View name) {
+  if (!path.ends_with(name)) return false;
+  if (path.size() == name.size()) return true;
+  const char16_t before = path[path.size() - name.size() - 1];
+  return before == u'/' || before == u'-' || before == u'\\';
+}
+
+template <std::size_t N>
+bool isOneOf(View path, const std::array<View, N>& names) {
+  return path.find(u' ') == path.npos &&
+         std::any_of(names.begin(), names.end(), [&](View name) { return endsWithName(path, name); });
+}
+
+bool isScript(View path) {
+  return path.ends_with(u".lk") || path.ends_with(u".ld") || path.ends_with(u".lds");
+}
+
+std::uint32_t numberOf(View digits) {
+  std::uint64_t value = 0;
+  for (const char16_t c : digits)
+    value = std::min<std::uint64_t>(value * 10 + (c - u'0'), std::numeric_limits<std::uint32_t>::max());
+  return static_cast<std::uint32_t>(value);
+}
+
+// One try of a form at a line.
+class Match {
+ public:
+  Match(View line, Severity severity) : line_(line) { found_.severity = severity; }
+
+  bool match(View pattern) { return step(pattern, 0); }
+  Diagnostic take() { return std::move(found_); }
+
+ private:
+  View rest(std::size_t at) const { return line_.substr(at); }
+
+  bool step(View pattern, std::size_t at) {
+    if (pattern.empty()) return at == line_.size();
+    if (pattern[0] == u'%') return field(pattern[1], pattern.substr(2), at);
+    if (at == line_.size() || line_[at] != pattern[0]) return false;
+    ++at;
+    if (pattern[0] == u' ') at = std::min(line_.find_first_not_of(u' ', at), line_.size());
+    return step(pattern.substr(1), at);
+  }
+
+  bool field(char16_t kind, View pattern, std::size_t at) {
+    switch (kind) {
+      case u'*':
+        return true;
+      case u't':
+        return text(at);
+      case u's':
+        return severity(pattern, at);
+      case u'l':
+        return number(pattern, at, found_.line);
+      case u'c':
+        return number(pattern, at, found_.column);
+      case u'o':
+        return offset(pattern, at);
+      default:
+        return name(kind, pattern, at);
+    }
+  }
+
+  bool text(std::size_t at) {
+    if (at == line_.size()) return false;
+    found_.text = narrowFromWide(rest(at));
+    if (found_.wordEnd == 0) {
+      found_.wordBegin = at;
+      found_.wordEnd = line_.size();
+    }
+    return true;
+  }
+
+  bool severity(View pattern, std::size_t at) {
+    const auto word = std::find_if(kWords.begin(), kWords.end(),
+                                   [&](const Word& one) { return rest(at).starts_with(one.text); });
+    if (word == kWords.end()) return false;
+    found_.severity = word->severity;
+    found_.wordBegin = at;
+    found_.wordEnd = at + word->text.size() + 1;
+    return step(pattern, at + word->text.size());
+  }
+
+  bool number(View pattern, std::size_t at, std::uint32_t& value) {
+    std::size_t end = at;
+    while (end < line_.size() && isDigit(line_[end])) ++end;
+    if (end == at) return false;
+    value = numberOf(line_.substr(at, end - at));
+    found_.placeEnd = end;
+    return step(pattern, end);
+  }
+
+  bool offset(View pattern, std::size_t at) {
+    const std::size_t end = rest(at).find(u')');
+    if (!rest(at).starts_with(u'(') || end == View::npos) return false;
+    found_.placeEnd = at + end + 1;
+    return step(pattern, found_.placeEnd);
+  }
+
+  // Up to each character in turn that the pattern goes on with.
+  bool name(char16_t kind, View pattern, std::size_t at) {
+    for (std::size_t end = line_.find(pattern[0], at); end != View::npos;
+         end = line_.find(pattern[0], end + 1)) {
+      const View taken = line_.substr(at, end - at);
+      if (!fits(kind, taken)) continue;
+      found_.placeEnd = end;
+      if (!step(pattern, end)) continue;
+      (kind == u'p' || kind == u'q' ? found_.tool : found_.file) = narrowFromWide(taken);
+      return true;
+    }
+    return false;
+  }
+
+  static bool fits(char16_t kind, View taken) {
+    if (taken.empty() || taken.front() == u' ') return false;
+    switch (kind) {
+      case u'p':
+        return isOneOf(taken, kPrograms);
+      case u'q':
+        return isOneOf(taken, kSilentPrograms);
+      case u'k':
+        return isScript(taken);
+      case u'b':
+        return taken.find(u' ') == taken.npos;
+      default:
+        return true;
+    }
+  }
+
+  View line_;
+  Diagnostic found_;
+};
+
+std::optional<Diagnostic> fitting(View line) {
+  for (const Form& form : kForms) {
+    Match match(line, form.severity);
+    if (!match.match(form.pattern)) continue;
+    if (form.ignored) return std::nullopt;
+    Diagnostic found = match.take();
+    found.consequence = form.consequence;
+    if (!found.file.empty()) found.tool.clear();
+    if (found.file.empty()) found.line = found.column = 0;
+    if (found.text.empty()) {
+      found.tool.clear();
+      found.text = narrowFromWide(line);
+    }
+    return found;
+  }
+  return std::nullopt;
+}
+
+// Blocks of a fixed size compile to a few vector instructions.
+bool has(View line, char16_t wanted) {
+  constexpr std::size_t kBlock = 16;
+  std::size_t at = 0;
+  for (; at + kBlock <= line.size(); at += kBlock) {
+    unsigned seen = 0;
+    for (std::size_t i = 0; i < kBlock; ++i) seen |= line[at + i] == wanted ? 1U : 0U;
+    if (seen) return true;
+  }
+  return line.substr(at).find(wanted) != View::npos;
+}
+
+// Whether a message may begin behind the colon: what a form asks for there without naming a program.
+bool mayBegin(View behind) {
+  constexpr View kLetters = u"efiwnsmruEFIWN";
+  constexpr std::array<View, 5> kBeginnings{u"undefined ref", u"multiple def", u"more undef", u"relocation",
+                                            u"required from"};
+  behind.remove_prefix(std::min(behind.find_first_not_of(u' '), behind.size()));
+  if (behind.empty() || kLetters.find(behind.front()) == View::npos) return false;
+  return std::any_of(kWords.begin(), kWords.end(),
+                     [&](const Word& one) { return behind.starts_with(one.text); }) ||
+         std::any_of(kBeginnings.begin(), kBeginnings.end(),
+                     [&](View one) { return behind.starts_with(one); });
+}
+
+// Whether any form can fit.
+bool worthALook(View line) {
+  std::size_t colon = line.find(u':');
+  const View head = line.substr(0, colon);
+  if (isOneOf(head, kSilentPrograms) || isOneOf(head, kPrograms) || isScript(head)) return true;
+  if (head.ends_with(u']') || line.starts_with(u"In file") || line.starts_with(u"      ")) return true;
+  if (mayBegin(head)) return true;
+  for (; colon != View::npos; colon = line.find(u':', colon + 1)) {
+    if (mayBegin(line.substr(colon + 1))) return true;
+  }
+  return false;
+}
+
+// Without the escape sequences by which tools colour their words.
+std::u16string withoutEscapes(View line) {
+  std::u16string result;
+  for (std::size_t at = 0; at < line.size(); ++at) {
+    if (line[at] != u'\x1b') {
+      result += line[at];
+    } else if (at + 1 < line.size() && line[at + 1] == u'[') {
+      for (at += 2; at < line.size() && (line[at] < u'@' || line[at] > u'~');) ++at;
+    }
+  }
+  return result;
+}
+
+}  // namespace
+
+const char* word(Severity severity) {
+  return severity == Severity::Error ? "error" : severity == Severity::Warning ? "warning" : "note";
+}
+
+std::string Diagnostic::place() const {
+  if (file.empty()) return tool;
+  std::string result = file;
+  if (line != 0) result += ":" + std::to_string(line);
+  if (column != 0) result += ":" + std::to_string(column);
+  return result;
+}
+
+std::optional<Diagnostic> recognise(std::u16string_view line) {
+  if (!has(line, u':')) return std::nullopt;
+  if (!has(line, u'\x1b')) return worthALook(line) ? fitting(line) : std::nullopt;
+  const std::u16string plainLine = withoutEscapes(line);
+  if (!worthALook(plainLine)) return std::nullopt;
+  std::optional<Diagnostic> found = fitting(plainLine);
+  if (found) found->placeEnd = found->wordBegin = found->wordEnd = 0;
+  return found;
+}
+
+}  // namespace forgeyard::console

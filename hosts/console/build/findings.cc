@@ -1,0 +1,41 @@
+#include "hosts/console/build/findings.h"
+
+#include <utility>
+
+namespace forgeyard::console {
+
+void Findings::toolStarted() {
+  consequences_.clear();
+  understood_ = false;
+}
+
+void Findings::add(const Diagnostic& diagnostic, const std::string& component) {
+  if (diagnostic.severity == Severity::Note) return;
+  Finding finding{diagnostic, component};
+  if (diagnostic.consequence) {
+    consequences_.push_back(std::move(finding));
+    return;
+  }
+  understood_ = understood_ || diagnostic.severity == Severity::Error;
+  keep(std::move(finding));
+}
+
+void Findings::toolEnded() {
+  if (!understood_) {
+    for (Finding& finding : consequences_) keep(std::move(finding));
+  }
+  consequences_.clear();
+}
+
+void Findings::keep(Finding finding) {
+  std::vector<Finding>& list = finding.diagnostic.severity == Severity::Error ? errors_ : warnings_;
+  Key key{finding.diagnostic.severity, finding.diagnostic.place(), finding.diagnostic.text};
+  const auto [known, isNew] = known_.try_emplace(std::move(key), list.size());
+  if (isNew) {
+    list.push_back(std::move(finding));
+  } else {
+    ++list[known->second].count;
+  }
+}
+
+}  // namespace forgeyard::console

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <map>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "hosts/console/build/diagnostic.h"
+
+namespace forgeyard::console {
+
+// One error or warning of a build, however often the tools have said it.
+struct Finding {
+  Diagnostic diagnostic;
+  std::string component;  // the one whose tool said it first
+  std::size_t count = 1;
+};
+
+// The errors and warnings of a build, in the order in which they came first.
+class Findings {
+ public:
+  void toolStarted();
+  // Notes are not kept.
+  void add(const Diagnostic& diagnostic, const std::string& component);
+  void toolEnded();
+
+  const std::vector<Finding>& errors() const { return errors_; }
+  const std::vector<Finding>& warnings() const { return warnings_; }
+  bool empty() const { return errors_.empty() && warnings_.empty(); }
+
+ private:
+  using Key = std::tuple<Severity, std::string, std::string>;
+
+  void keep(Finding finding);
+
+  std::vector<Finding> errors_;
+  std::vector<Finding> warnings_;
+  std::map<Key, std::size_t> known_;   // place in its list
+  std::vector<Finding> consequences_;  // of the tool that runs
+  bool understood_ = false;            // an error of that tool itself
+};
+
+}  // namespace forgeyard::console
