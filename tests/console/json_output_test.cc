@@ -70,5 +70,45 @@ TEST_F(JsonOutput, ToolLinesOfAnyBytesAreText) {
   EXPECT_THAT(told({"build"}), testing::Contains(expected));
 }
 
+TEST_F(JsonOutput, BuildTellsWhatHappensInOrder) {
+  makeToolProject({"1.in", "2.in"}, scriptedTool() + " print \"$(FileName).c:3:4: error: wrong\" exit 5");
+  std::string order;
+  const std::vector<Json> objects = told({"build"});
+  for (const Json& object : objects) {
+    if (object.at("type") != "line") order += object.at("type").get<std::string>() + "\n";
+  }
+  EXPECT_EQ(
+      order,
+      "build_start\ncomponent_start\ntool_start\ndiagnostic\ntool_end\ntool_start\ndiagnostic\ntool_end\n"
+      "component_end\nbuild_end\nresult\n");
+  EXPECT_THAT(objects, testing::Contains(Json{{"type", "build_start"},
+                                              {"project", path("p.nqp")},
+                                              {"directory", directory()},
+                                              {"configuration", "Default"},
+                                              {"task", "build"}}));
+  EXPECT_THAT(objects, testing::Contains(Json{{"type", "diagnostic"},
+                                              {"severity", "error"},
+                                              {"file", "2.c"},
+                                              {"line", 3},
+                                              {"column", 4},
+                                              {"text", "wrong"},
+                                              {"component", "tool"}}));
+  Json start = ofType(objects, "tool_start").back();
+  EXPECT_NE(start.value("command", "").find("2.c:3:4"), std::string::npos);
+  start.erase("command");
+  EXPECT_EQ(
+      start,
+      (Json{{"type", "tool_start"}, {"component", "tool"}, {"index", 2}, {"count", 2}, {"file", "2.in"}}));
+  Json end = ofType(objects, "tool_end").back();
+  end.erase("elapsed_ms");
+  EXPECT_EQ(
+      end, (Json{{"type", "tool_end"}, {"component", "tool"}, {"index", 2}, {"count", 2}, {"exit_code", 5}}));
+  Json result = ofType(objects, "build_end").back();
+  result.erase("elapsed_ms");
+  EXPECT_EQ(
+      result,
+      (Json{{"type", "build_end"}, {"result", "ERRORS"}, {"errors", 2}, {"warnings", 0}, {"tools", 2}}));
+}
+
 }  // namespace
 }  // namespace forgeyard::console

@@ -4,9 +4,11 @@
 #include <pty.h>
 #include <signal.h>
 #include <stdlib.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <stdexcept>
 #include <utility>
@@ -31,8 +33,9 @@ constexpr int kPatience = 60000;  // milliseconds without a sign of life
 
 }  // namespace
 
-TerminalProgram::TerminalProgram(const e2e::Start& start) {
-  id_ = ::forkpty(&terminal_, nullptr, nullptr, nullptr);
+TerminalProgram::TerminalProgram(const e2e::Start& start, unsigned short columns) {
+  const winsize size{24, columns, 0, 0};
+  id_ = ::forkpty(&terminal_, nullptr, nullptr, &size);
   if (id_ < 0) throw std::runtime_error("no terminal");
   if (id_ == 0) becomeProgram(start);
 }
@@ -75,10 +78,31 @@ int TerminalProgram::finish() {
   return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+void TerminalProgram::resize(unsigned short columns) const {
+  const winsize size{24, columns, 0, 0};
+  if (::ioctl(terminal_, TIOCSWINSZ, &size) != 0) throw std::runtime_error("the terminal keeps its size");
+}
+
 std::string TerminalProgram::shown() const {
-  std::string text = text_;
-  std::erase(text, '\r');
-  return text;
+  std::string screen;
+  std::size_t row = 0;     // where the last line begins
+  std::size_t cursor = 0;  // in bytes
+  for (std::size_t at = 0; at < text_.size(); ++at) {
+    const char c = text_[at];
+    if (c == '\r') {
+      cursor = row;
+    } else if (c == '\n') {
+      screen += c;
+      row = cursor = screen.size();
+    } else if (c == '\x1b') {
+      at = std::min(text_.find_first_of("mK", at), text_.size() - 1);
+      if (text_[at] == 'K') screen.resize(cursor);
+    } else {
+      screen.resize(std::max(screen.size(), cursor + 1));
+      screen[cursor++] = c;
+    }
+  }
+  return screen;
 }
 
 }  // namespace forgeyard::console

@@ -12,17 +12,21 @@ namespace forgeyard::console {
 // A program on a terminal of its own, which is its standard input, output and error. For one thread.
 class TerminalProgram {
  public:
-  explicit TerminalProgram(const e2e::Start& start);
+  explicit TerminalProgram(const e2e::Start& start, unsigned short columns = 80);
   TerminalProgram(const TerminalProgram&) = delete;
   TerminalProgram& operator=(const TerminalProgram&) = delete;
   ~TerminalProgram();
 
-  // Reads until the text has been shown; false if the program ends or a minute passes before.
+  // Reads until the text stands on the screen; false if the program ends or a minute passes before.
   bool waitFor(std::string_view text);
   void type(std::string_view keys) const;
   // Reads to the end and waits: the exit code, 128 + n after signal n.
   int finish();
-  // All that was shown so far, line ends as LF.
+  void resize(unsigned short columns) const;
+  // All that was written so far, as it came.
+  const std::string& written() const { return text_; }
+  // What the user sees of that, line ends as LF: lines that were written over or erased are gone, and so are
+  // colours. As on a terminal of endless width.
   std::string shown() const;
 
  private:

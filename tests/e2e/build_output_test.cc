@@ -102,6 +102,8 @@ TEST_F(BuildOutput, OfABuildWithAnError) {
           "Project: p - Configuration: Default",
           "Final result: ERRORS",
           "-----",
+          "a.c:1:25: error: 'nowhere' undeclared (first use in this function)",
+          "1 error.",
       }));
   EXPECT_EQ(build.errors, "");
 }

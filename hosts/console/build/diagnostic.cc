@@ -4,6 +4,7 @@
 #include <array>
 #include <limits>
 
+#include "hosts/console/build/diagnostic_forms.h"
 #include "platform/text/narrow.h"
 
 namespace forgeyard::console {
@@ -11,105 +12,12 @@ namespace forgeyard::console {
 namespace {
 
 using View = std::u16string_view;
-
-struct Word {
-  View text;
-  Severity severity;
-};
-
-// What stands before the colon in front of a message. The longer of two that begin alike comes first.
-constexpr std::array kWords{
-    Word{u"fatal error", Severity::Error},
-    Word{u"internal compiler error", Severity::Error},
-    Word{u"error", Severity::Error},
-    Word{u"Fatal error", Severity::Error},
-    Word{u"Internal error", Severity::Error},
-    Word{u"Error", Severity::Error},
-    Word{u"warning", Severity::Warning},
-    Word{u"Warning", Severity::Warning},
-    Word{u"note", Severity::Note},
-    Word{u"NOTE", Severity::Note},
-    Word{u"Info", Severity::Note},
-    Word{u"sorry, unimplemented", Severity::Error},
-};
-
-// Programs by the end of their names, which may have a path and the name of a machine in front.
-constexpr std::array<View, 18> kPrograms{
-    u"gcc", u"g++",    u"cc",      u"c++",  u"cpp",         u"cc1",   u"cc1plus", u"collect2", u"as",
-    u"ld",  u"ld.bfd", u"ld.gold", u"lto1", u"lto-wrapper", u"clang", u"clang++", u"ar",       u"make"};
-// Those of them that say nothing as long as all is well, and the programs around the tools.
-constexpr std::array<View, 9> kSilentPrograms{u"ld",     u"ld.bfd", u"ld.gold",  u"objcopy", u"TideSpawn",
-                                              u"gnu-cc", u"gnu-as", u"TRAMLINK", u"collect2"};
-
-// A form of a line. In a pattern a blank stands for one or more, and
-//   %s a word of kWords      %l, %c numbers of line and column
-//   %f a file                %b a file without a blank in its name     %k a linker script
-//   %p a program             %q a program that is silent else
-//   %o an offset in a section, "(.text+0x5)"
-//   %t the message, to the end               %* anything
-// The first form that fits a line says what it is; the severity is that of %s where the form has it.
-struct Form {
-  View pattern;
-  Severity severity = Severity::Error;
-  bool consequence = false;
-  bool ignored = false;
-};
-
-constexpr Form plain(View pattern) {
-  return {pattern};
-}
-constexpr Form note(View pattern) {
-  return {pattern, Severity::Note};
-}
-constexpr Form consequence(View pattern) {
-  return {pattern, Severity::Error, true};
-}
-constexpr Form nothing(View pattern) {
-  return {pattern, Severity::Note, false, true};
-}
-
-constexpr std::array kForms{
-    // Compilers and assemblers
-    note(u"In file included from %f:%l:%c%*"),
-    note(u"In file included from %f:%l%*"),
-    note(u" from %f:%l:%c%*"),
-    note(u" from %f:%l%*"),
-    note(u"%f:%l:%c: required from %t"),
-    plain(u"%q: %f:%l: %s: %t"),
-    plain(u"%f:%l:%c: %s: %t"),
-    plain(u"%f:%l: %s: %t"),
-    // What ends a run behind its real faults
-    consequence(u"%p: error: ld returned %l exit status%*"),
-    consequence(u"%q: final link failed%*"),
-    consequence(u"%q: failed to set dynamic section sizes%*"),
-    consequence(u"%p: *** %t"),
-    consequence(u"%p[%l]: *** %t"),
-    // Linkers. The function is told by the line behind as well.
-    nothing(u"%q: %f: in function %t"),
-    nothing(u"%b: in function %t"),
-    nothing(u"%q: skipping incompatible %t"),
-    nothing(u"%q: use the --help option %t"),
-    nothing(u"%q:%f: file format not recognized; treating as linker script"),
-    plain(u"%p: %s: %t"),
-    plain(u"%q: %s: %t"),
-    plain(u"%q: %b: %s: %t"),
-    plain(u"%q: %f:%o: %s: %t"),
-    plain(u"%f:%o: %s: %t"),
-    plain(u"%q: %f:%l: %t"),
-    plain(u"%q: %f:%o: %t"),
-    plain(u"%q:%f:%l: %t"),
-    plain(u"%q: %t"),
-    plain(u"%f:%o: undefined reference to %t"),
-    plain(u"%f:%l: undefined reference to %t"),
-    plain(u"%f:%o: multiple definition of %t"),
-    plain(u"%f:%l: multiple definition of %t"),
-    plain(u"%f:%o: more undefined references to %t"),
-    plain(u"%f:%o: relocation truncated to fit%t"),
-    plain(u"%k:%l: %t"),
-    // Anything else that tells a severity
-    plain(u"%b: %s: %t"),
-    plain(u"%s: %t"),
-};
+using diagnostic_forms::Form;
+using diagnostic_forms::kForms;
+using diagnostic_forms::kPrograms;
+using diagnostic_forms::kSilentPrograms;
+using diagnostic_forms::kWords;
+using diagnostic_forms::Word;
 
 bool isDigit(char16_t c) {
   return c >= u'0' && c <= u'9';
@@ -163,8 +71,11 @@ class Match {
     switch (kind) {
       case u'*':
         return true;
+      case u'm':
+        message_ = at;
+        return step(pattern, at);
       case u't':
-        return text(at);
+        return text(message_ ? *message_ : at);
       case u's':
         return severity(pattern, at);
       case u'l':
@@ -245,6 +156,7 @@ class Match {
   }
 
   View line_;
+  std::optional<std::size_t> message_;
   Diagnostic found_;
 };
 
