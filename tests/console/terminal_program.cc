@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -59,8 +60,10 @@ bool TerminalProgram::readMore() {
 }
 
 bool TerminalProgram::waitFor(std::string_view text) {
+  // What ticks is never silent.
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::milliseconds(kPatience);
   while (shown().find(text) == std::string::npos) {
-    if (!readMore()) return false;
+    if (std::chrono::steady_clock::now() > deadline || !readMore()) return false;
   }
   return true;
 }
