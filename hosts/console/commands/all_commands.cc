@@ -35,6 +35,7 @@ constexpr std::span<const Command> (*kFamilies[])() = {
     automationCommands,
     moduleCommands,
     doctorCommands,
+    usageCommands,
     // clang-format on
 };
 

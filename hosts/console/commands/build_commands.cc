@@ -89,7 +89,7 @@ constexpr std::array kCommands{
             clean},
     Command{"compile",
             "Run the components for these source files alone, out of date or not",
-            {{{Kind::Texts, "PATH", "", "source files of the project"}, kDryRun}},
+            {{{Kind::Texts, "PATH", "", "source files of the project", Completes::SourceFile}, kDryRun}},
             compile},
     Command{"stop", "Stop every build of yours, whatever started it", {}, stop},
 };

@@ -24,7 +24,8 @@ enum class Completes : std::uint8_t {
   Folder,
   ComponentKind,
   Configuration,
-  SourceFile,               // a file of the project
+  SourceFile,  // a file of the project
+  ComponentOrSourceFile,
   Property,                 // of the component that the argument COMPONENT names
   Assignment,               // one of those, "=" and a value
   ConfigurationAssignment,  // the same with those of a configuration
@@ -109,6 +110,7 @@ std::span<const Command> mergeCommands();
 std::span<const Command> automationCommands();
 std::span<const Command> moduleCommands();
 std::span<const Command> doctorCommands();
+std::span<const Command> usageCommands();
 std::span<const Command> importCommands();
 
 }  // namespace forgeyard::console

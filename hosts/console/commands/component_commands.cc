@@ -107,13 +107,14 @@ constexpr std::array kCommands{
             makeFolder},
     Command{"component add",
             "Make a component that runs a tool",
-            {{{Kind::Text, "KIND", "", "cmdline (a command of your own), cc (compiler), asm or linker"},
+            {{{Kind::Text, "KIND", "", "cmdline (a command of your own), cc (compiler), asm or linker",
+               Completes::ComponentKind},
               {Kind::Text, "NAME", "", "its name, unlike that of any other component"}}},
             makeTool},
     Command{"component list", "Show the components and what each one feeds", {}, listComponents},
     Command{"component remove",
             "Remove a component and its connections; asks first",
-            {{{Kind::Text, "NAME", "", kNameHelp}}},
+            {{{Kind::Text, "NAME", "", kNameHelp, Completes::Component}}},
             removeComponent},
 };
 

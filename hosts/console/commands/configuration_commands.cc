@@ -94,26 +94,27 @@ ExitCode setProperties(const Invocation& invocation) {
 }
 
 constexpr std::array kCommands{
-    Command{
-        "config add",
-        "Make a configuration",
-        {{{Kind::Text, "NAME", "", "its name, unlike that of any other configuration"},
-          {Kind::Option, "--from", "NAME",
-           "the configuration whose directories, target and settings it gets; left out: default settings"}}},
-        addConfiguration},
+    Command{"config add",
+            "Make a configuration",
+            {{{Kind::Text, "NAME", "", "its name, unlike that of any other configuration"},
+              {Kind::Option, "--from", "NAME",
+               "the configuration whose directories, target and settings it gets; left out: default settings",
+               Completes::Configuration}}},
+            addConfiguration},
     Command{"config list", "Show the configurations; \"*\" marks the active one", {}, listConfigurations},
     Command{"config use",
             "Make a configuration the active one",
-            {{{Kind::Text, "NAME", "", "its name"}}},
+            {{{Kind::Text, "NAME", "", "its name", Completes::Configuration}}},
             useConfiguration},
     Command{"config remove",
             "Remove a configuration and its settings in all components",
-            {{{Kind::Text, "NAME", "", "its name"}}},
+            {{{Kind::Text, "NAME", "", "its name", Completes::Configuration}}},
             removeConfiguration},
     Command{"config set",
             "Change properties of the active configuration, or of -c",
             {{{Kind::Texts, "PROPERTY=VALUE", "",
-               "OutputDirectory, IntermediateDirectory, Target, UpdateFileDependencies (0 or 1), Name"}}},
+               "OutputDirectory, IntermediateDirectory, Target, UpdateFileDependencies (0 or 1), Name",
+               Completes::ConfigurationAssignment}}},
             setProperties},
 };
 

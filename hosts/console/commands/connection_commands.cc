@@ -43,13 +43,13 @@ ExitCode disconnect(const Invocation& invocation) {
 constexpr std::array kCommands{
     Command{"connect",
             "Let the output of one component feed another",
-            {{{Kind::Text, "FROM", "", "the component that gives its files"},
-              {Kind::Text, "TO", "", "the component that takes them"}}},
+            {{{Kind::Text, "FROM", "", "the component that gives its files", Completes::Component},
+              {Kind::Text, "TO", "", "the component that takes them", Completes::Component}}},
             connect},
     Command{"disconnect",
             "Take such a connection away",
-            {{{Kind::Text, "FROM", "", "the component that gives its files"},
-              {Kind::Text, "TO", "", "the component that takes them"}}},
+            {{{Kind::Text, "FROM", "", "the component that gives its files", Completes::Component},
+              {Kind::Text, "TO", "", "the component that takes them", Completes::Component}}},
             disconnect},
 };
 

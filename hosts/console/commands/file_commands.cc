@@ -148,16 +148,17 @@ ExitCode removeFiles(const Invocation& invocation) {
 }
 
 constexpr std::array kCommands{
-    Command{
-        "file add",
-        "Add source files to the project",
-        {{{Kind::Texts, "PATH", "", "files; what is in the project already is left as it is"},
-          {Kind::Option, "--folder", "NAME", "the folder that gets them; left out: by their extensions"}}},
-        addFiles},
+    Command{"file add",
+            "Add source files to the project",
+            {{{Kind::Texts, "PATH", "", "files; what is in the project already is left as it is",
+               Completes::File},
+              {Kind::Option, "--folder", "NAME", "the folder that gets them; left out: by their extensions",
+               Completes::Folder}}},
+            addFiles},
     Command{"file list", "Show the files by folder, relative to the project's directory", {}, listFiles},
     Command{"file remove",
             "Take files out of the project; on the disk they stay",
-            {{{Kind::Texts, "PATH", "", "files of the project"}}},
+            {{{Kind::Texts, "PATH", "", "files of the project", Completes::SourceFile}}},
             removeFiles},
 };
 

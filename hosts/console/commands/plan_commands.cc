@@ -27,7 +27,8 @@ constexpr std::array kCommands{
             "Say what the next build would run and why; nothing is run",
             {{{Kind::OptionalText, "NAME", "",
                "a component, or a file: a source, a header, something that is made; left out: all that\n"
-               "would run, with -v all files"}}},
+               "would run, with -v all files",
+               Completes::ComponentOrSourceFile}}},
             why},
     Command{"status",
             "Show the components with inputs, outputs and what is out of date, and what is missing",

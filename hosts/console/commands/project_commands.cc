@@ -31,12 +31,12 @@ ExitCode makeProject(const Invocation& invocation) {
 }
 
 constexpr std::array kCommands{
-    Command{
-        "new",
-        "Make a project file with one configuration, \"Default\"",
-        {{{Kind::Text, "FILE", "", "the file to make; its name ends in .nqp, missing directories are made"},
-          {Kind::Option, "--name", "NAME", "the project's name; left out: that of the file"}}},
-        makeProject},
+    Command{"new",
+            "Make a project file with one configuration, \"Default\"",
+            {{{Kind::Text, "FILE", "",
+               "the file to make; its name ends in .nqp, missing directories are made", Completes::File},
+              {Kind::Option, "--name", "NAME", "the project's name; left out: that of the file"}}},
+            makeProject},
 };
 
 }  // namespace

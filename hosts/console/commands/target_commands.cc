@@ -124,7 +124,7 @@ constexpr std::array kCommands{
         "target list", "Show the targets, what they run, and what of it is missing here", {}, listTargets},
     Command{"target add",
             "Enter a target into the user's registry, or change what it runs",
-            {{{Kind::Text, "NAME", "", "its name, as configurations have it"},
+            {{{Kind::Text, "NAME", "", "its name, as configurations have it", Completes::Target},
               {Kind::Option, "--compiler", "TEXT", "how its compiler's command line begins: \"gnu-cc gcc\""},
               {Kind::Option, "--assembler", "TEXT", "how its assembler's command line begins: \"gnu-as as\""},
               {Kind::Option, "--linker", "TEXT",
@@ -133,7 +133,7 @@ constexpr std::array kCommands{
             addTarget},
     Command{"target remove",
             "Take a target out of the user's registry",
-            {{{Kind::Text, "NAME", "", "its name"}}},
+            {{{Kind::Text, "NAME", "", "its name", Completes::Target}}},
             removeOne},
     Command{"target detect",
             "Enter a target for every compiler along PATH that has none yet, and a MIPS linker if none is "

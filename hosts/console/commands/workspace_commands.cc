@@ -124,14 +124,14 @@ ExitCode save(const Invocation& invocation) {
 }
 
 constexpr Parameter kProject{Kind::OptionalText, "NAME", "",
-                             "the project, or its file; left out: the active one"};
-constexpr Parameter kNamedProject{Kind::Text, "NAME", "", "the project, or its file"};
+                             "the project, or its file; left out: the active one", Completes::Project};
+constexpr Parameter kNamedProject{Kind::Text, "NAME", "", "the project, or its file", Completes::Project};
 
 constexpr std::array kCommands{
     Command{"workspace list", "Show the projects with their files; \"*\" marks the active one", {}, list},
     Command{"workspace add",
             "Put a project into the workspace; the first one becomes the active one",
-            {{{Kind::Text, "FILE", "", "the project file"}}},
+            {{{Kind::Text, "FILE", "", "the project file", Completes::ProjectFile}}},
             add},
     Command{"workspace remove",
             "Take a project out of the workspace, its file stays; asks first",

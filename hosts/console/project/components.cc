@@ -16,11 +16,12 @@ namespace forgeyard::console {
 namespace {
 
 constexpr std::array kKinds{
-    ComponentKind{"folder", CLSID_Folder, IFolder::iid, "a folder of source files"},
-    ComponentKind{"cmdline", CLSID_CmdLine, ICmdLine::iid, "a command line of your own"},
-    ComponentKind{"cc", CLSID_Cc, ICc::iid, "a compiler"},
-    ComponentKind{"asm", CLSID_Asm, IAsm::iid, "an assembler"},
-    ComponentKind{"linker", CLSID_Linker, ILinker::iid, "a linker"},
+    ComponentKind{"folder", CLSID_Folder, IFolder::iid, IFolderSettings::iid, "a folder of source files"},
+    ComponentKind{"cmdline", CLSID_CmdLine, ICmdLine::iid, ICmdLineSettings::iid,
+                  "a command line of your own"},
+    ComponentKind{"cc", CLSID_Cc, ICc::iid, ICcSettings::iid, "a compiler"},
+    ComponentKind{"asm", CLSID_Asm, IAsm::iid, IAsmSettings::iid, "an assembler"},
+    ComponentKind{"linker", CLSID_Linker, ILinker::iid, ILinkerSettings::iid, "a linker"},
 };
 // What the edit boxes of the module's dialogs hold.
 constexpr std::size_t kLongestName = 260;

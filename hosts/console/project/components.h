@@ -14,7 +14,8 @@ namespace forgeyard::console {
 struct ComponentKind {
   const char* name;  // "cc"
   Guid clsid;
-  Guid iid;  // its own dispatch interface: what a component has beyond its settings
+  Guid iid;       // its own dispatch interface: what a component has beyond its settings
+  Guid settings;  // the interface of its settings
   const char* help;
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "hosts/console/base/failure.h"
 #include "platform/text/fold.h"
@@ -37,9 +38,13 @@ std::vector<std::string> propertiesWith(const TypeInfo& info, Thunk Member::*for
   return names;
 }
 
-const Member* find(IDispatch& object, const std::string& property, Thunk Member::*form) {
-  const Member* member = descriptionOf(object).find(BString::fromNarrow(property));
+const Member* find(const TypeInfo& type, const std::string& property, Thunk Member::*form) {
+  const Member* member = type.find(BString::fromNarrow(property));
   return member && isPlain(member->*form) ? member : nullptr;
+}
+
+const Member* find(IDispatch& object, const std::string& property, Thunk Member::*form) {
+  return find(descriptionOf(object), property, form);
 }
 
 struct Word {
@@ -65,7 +70,52 @@ std::int32_t identifierOf(IDispatch& object, const std::string& property) {
   return id;
 }
 
+std::optional<int> numberAt(std::string_view text) {
+  int number = 0;
+  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  return error == std::errc() && stop != text.data() ? std::optional(number) : std::nullopt;
+}
+
+// "0 none, 1 standard, 2 all".
+std::vector<ValueChoice> listedChoices(std::string_view help) {
+  std::vector<ValueChoice> choices;
+  while (!help.empty()) {
+    const std::size_t end = std::min(help.find(", "), help.size());
+    const std::string_view one = help.substr(0, end);
+    const std::size_t blank = one.find(' ');
+    if (!numberAt(one) || blank == one.npos) return {};
+    choices.push_back({std::string(one.substr(0, blank)), std::string(one.substr(blank + 1))});
+    help.remove_prefix(std::min(end + 2, help.size()));
+  }
+  return choices.size() > 1 ? choices : std::vector<ValueChoice>();
+}
+
+// "0 to 3".
+std::vector<ValueChoice> choicesInRange(std::string_view help) {
+  constexpr std::string_view kTo = " to ";
+  const std::size_t to = help.find(kTo);
+  const auto first = numberAt(help);
+  const auto last = to == help.npos ? std::nullopt : numberAt(help.substr(to + kTo.size()));
+  std::vector<ValueChoice> choices;
+  for (int value = first.value_or(0); first && last && value <= *last; ++value)
+    choices.push_back({std::to_string(value), ""});
+  return choices;
+}
+
 }  // namespace
+
+std::vector<ValueChoice> valueChoices(const TypeInfo& type, const std::string& property) {
+  const Member* member = find(type, property, &Member::put);
+  if (!member || member->put.params.front().type == ParamType::Bstr) return {};
+  if (isFlag(member->put)) return {{"0", "no"}, {"1", "yes"}};
+  const std::vector<ValueChoice> listed = listedChoices(member->help);
+  return listed.empty() ? choicesInRange(member->help) : listed;
+}
+
+std::string propertyHelp(const TypeInfo& type, const std::string& property) {
+  const Member* member = type.find(BString::fromNarrow(property));
+  return member ? member->help : "";
+}
 
 std::vector<Assignment> assignments(const std::vector<std::string>& texts) {
   std::vector<Assignment> result;
@@ -80,11 +130,19 @@ std::vector<Assignment> assignments(const std::vector<std::string>& texts) {
 }
 
 std::vector<std::string> readableProperties(IDispatch& object) {
-  return propertiesWith(descriptionOf(object), &Member::get);
+  return readableProperties(descriptionOf(object));
+}
+
+std::vector<std::string> readableProperties(const TypeInfo& type) {
+  return propertiesWith(type, &Member::get);
 }
 
 std::vector<std::string> writableProperties(IDispatch& object) {
-  return propertiesWith(descriptionOf(object), &Member::put);
+  return writableProperties(descriptionOf(object));
+}
+
+std::vector<std::string> writableProperties(const TypeInfo& type) {
+  return propertiesWith(type, &Member::put);
 }
 
 bool hasReadable(IDispatch& object, const std::string& property) {
