@@ -71,8 +71,8 @@ void requireSame(const StorageBytes& a, const StorageBytes& b) {
   for (const auto& stream : a.streams)
     require(std::find(b.streams.begin(), b.streams.end(), stream) != b.streams.end());
   for (std::size_t i = 0; i < a.storages.size(); ++i) {
-    require(a.storages[i].first == b.storages[i].first);
-    requireSame(a.storages[i].second, b.storages[i].second);
+    require(a.storages[i].name == b.storages[i].name);
+    requireSame(a.storages[i], b.storages[i]);
   }
 }
 

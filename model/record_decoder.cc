@@ -190,35 +190,32 @@ class StreamDecoder final : public RecordStreams {
   RecordNode::List extras_;
 };
 
-RecordNode storageNode(const BString& element, const Guid& clsid) {
+RecordNode storageNode(const StorageBytes& storage) {
   RecordNode node = emptyFields();
-  node.add("element", element);
-  node.add("clsid", clsidNode(clsid));
+  node.add("element", storage.name);
+  node.add("clsid", clsidNode(storage.clsid));
   return node;
 }
 
 // A storage that nothing describes.
-RecordNode decodeStorage(const BString& element, const StorageBytes& storage,
-                         std::vector<LoadOmission>& kept);
+RecordNode decodeStorage(const StorageBytes& storage, std::vector<LoadOmission>& kept);
 
 void decodeBelow(const StorageBytes& storage, RecordNode& out, std::vector<LoadOmission>& kept) {
   RecordNode::List below;
-  for (const auto& [name, content] : storage.storages) below.push_back(decodeStorage(name, content, kept));
+  for (const StorageBytes& content : storage.storages) below.push_back(decodeStorage(content, kept));
   if (!below.empty()) out.add("storages", {std::move(below)});
 }
 
-RecordNode decodeStorage(const BString& element, const StorageBytes& storage,
-                         std::vector<LoadOmission>& kept) {
-  RecordNode node = storageNode(element, storage.clsid);
+RecordNode decodeStorage(const StorageBytes& storage, std::vector<LoadOmission>& kept) {
+  RecordNode node = storageNode(storage);
   StreamDecoder(storage, node, "", kept).finish();
   decodeBelow(storage, node, kept);
   return node;
 }
 
-RecordNode decodeComponent(const BString& element, const StorageBytes& storage,
-                           std::vector<LoadOmission>& kept) {
-  RecordNode node = storageNode(element, storage.clsid);
-  const std::string place = quoted("component", element);
+RecordNode decodeComponent(const StorageBytes& storage, std::vector<LoadOmission>& kept) {
+  RecordNode node = storageNode(storage);
+  const std::string place = quoted("component", storage.name);
   StreamDecoder streams(storage, node, place + ", ", kept);
   if (const Ref<IComponentRecords> records = componentRecords(storage.clsid)) {
     records->describeRecords(streams);
@@ -238,8 +235,7 @@ RecordNode decodeProject(const StorageBytes& root, std::vector<LoadOmission>& ke
   StreamDecoder streams(root, node, "", kept);
   describeProjectHead(streams);
   RecordNode::List components;
-  for (const auto& [name, storage] : root.storages)
-    components.push_back(decodeComponent(name, storage, kept));
+  for (const StorageBytes& storage : root.storages) components.push_back(decodeComponent(storage, kept));
   node.add("components", {std::move(components)});
   describeProjectTail(streams);
   streams.finish();

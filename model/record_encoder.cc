@@ -145,13 +145,15 @@ class StreamEncoder final : public RecordStreams {
 
 void addStorage(StorageBytes& out, FieldsReader& fields, StorageBytes storage) {
   const ValueReader element = fields.require("element");
-  const BString name = element.text();
-  const auto isSame = [&](const auto& entry) { return compound::sameName(entry.first, name); };
-  if (!compound::isValidName(name)) element.fail("a storage can't have this name");
-  if (std::any_of(out.storages.begin(), out.storages.end(), isSame) ||
-      std::any_of(out.streams.begin(), out.streams.end(), isSame))
-    element.fail("there is an element of this name already");
-  out.storages.emplace_back(name, std::move(storage));
+  storage.name = element.text();
+  if (!compound::isValidName(storage.name)) element.fail("a storage can't have this name");
+  const bool taken =
+      std::any_of(out.storages.begin(), out.storages.end(),
+                  [&](const StorageBytes& other) { return compound::sameName(other.name, storage.name); }) ||
+      std::any_of(out.streams.begin(), out.streams.end(),
+                  [&](const auto& stream) { return compound::sameName(stream.first, storage.name); });
+  if (taken) element.fail("there is an element of this name already");
+  out.storages.push_back(std::move(storage));
 }
 
 void encodeStorage(const ValueReader& value, StorageBytes& out, int level, bool component);

@@ -71,8 +71,9 @@ class StorageReader {
       leftOut_.push_back({"what is below " + quoted("storage", element.name),
                           failed(status) ? statusText(status) : "it lies too deep"});
     }
+    bytes.name = element.name;
     bytes.clsid = element.clsid;
-    out.storages.emplace_back(element.name, std::move(bytes));
+    out.storages.push_back(std::move(bytes));
   }
 
   std::vector<LoadOmission>& leftOut_;
@@ -100,9 +101,9 @@ StorageBytes readStorage(IStorage& storage, std::vector<StoredElement>& elements
 void writeStorage(IStorage& storage, const StorageBytes& bytes) {
   if (bytes.clsid != GUID_NULL) check(storage.SetClass(bytes.clsid));
   for (const auto& [name, content] : bytes.streams) writeStream(storage, name, content);
-  for (const auto& [name, content] : bytes.storages) {
+  for (const StorageBytes& content : bytes.storages) {
     Ref<IStorage> below;
-    check(storage.CreateStorage(name, kWrite | STGM_TRANSACTED, &below));
+    check(storage.CreateStorage(content.name, kWrite | STGM_TRANSACTED, &below));
     writeStorage(*below, content);
     check(below->Commit(STGC_DEFAULT));
   }

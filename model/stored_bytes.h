@@ -11,9 +11,10 @@ namespace forgeyard {
 
 // What a storage holds, in memory, in the order of its enumeration.
 struct StorageBytes {
+  BString name;  // null for a root
   Guid clsid{};
   std::vector<std::pair<BString, std::string>> streams;
-  std::vector<std::pair<BString, StorageBytes>> storages;
+  std::vector<StorageBytes> storages;
 };
 
 // Reads a storage as far as that goes. `elements` gets the list of what it holds, `leftOut` what can't be

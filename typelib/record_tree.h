@@ -18,13 +18,18 @@ struct RecordNode {
   using List = std::vector<RecordNode>;
   using Fields = std::vector<RecordField>;  // in stored order
 
-  RecordNode() = default;
-  RecordNode(bool flag) : value(flag) {}                      // NOLINT: values convert by design
-  RecordNode(std::int64_t number) : value(number) {}          // NOLINT
-  RecordNode(const BString& text) : value(text) {}            // NOLINT
-  RecordNode(const char16_t* text) : value(BString(text)) {}  // NOLINT
-  RecordNode(List list) : value(std::move(list)) {}           // NOLINT
-  RecordNode(Fields fields) : value(std::move(fields)) {}     // NOLINT
+  RecordNode();
+  RecordNode(bool flag);             // NOLINT: values convert by design
+  RecordNode(std::int64_t number);   // NOLINT
+  RecordNode(const BString& text);   // NOLINT
+  RecordNode(const char16_t* text);  // NOLINT
+  RecordNode(List list);             // NOLINT
+  RecordNode(Fields fields);         // NOLINT
+  RecordNode(const RecordNode& other);
+  RecordNode(RecordNode&& other) noexcept;
+  RecordNode& operator=(const RecordNode& other);
+  RecordNode& operator=(RecordNode&& other) noexcept;
+  ~RecordNode();
 
   bool isNull() const { return std::holds_alternative<std::monostate>(value); }
   template <class T>
@@ -59,6 +64,20 @@ struct RecordField {
     return a.name == b.name && a.node == b.node;
   }
 };
+
+// A node is whole only now that its fields are.
+inline RecordNode::RecordNode() = default;
+inline RecordNode::RecordNode(bool flag) : value(flag) {}
+inline RecordNode::RecordNode(std::int64_t number) : value(number) {}
+inline RecordNode::RecordNode(const BString& text) : value(text) {}
+inline RecordNode::RecordNode(const char16_t* text) : value(BString(text)) {}
+inline RecordNode::RecordNode(List list) : value(std::move(list)) {}
+inline RecordNode::RecordNode(Fields fields) : value(std::move(fields)) {}
+inline RecordNode::RecordNode(const RecordNode& other) = default;
+inline RecordNode::RecordNode(RecordNode&& other) noexcept = default;
+inline RecordNode& RecordNode::operator=(const RecordNode& other) = default;
+inline RecordNode& RecordNode::operator=(RecordNode&& other) noexcept = default;
+inline RecordNode::~RecordNode() = default;
 
 inline const RecordNode* RecordNode::find(std::string_view name) const {
   const Fields* fields = get<Fields>();

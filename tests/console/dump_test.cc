@@ -28,17 +28,10 @@ class Dump : public ConsoleSandbox {
 };
 
 TEST_F(Dump, ReferenceFilesHoldWhatTheirDescriptionsSay) {
-  const char* given = std::getenv("FORGEYARD_GOLDEN");
-  const auto golden = std::filesystem::path(given ? given : FORGEYARD_GOLDEN_DEFAULT) / "projects";
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(golden)) {
-    if (entry.path().extension() != ".nqp") continue;
-    ++files;
+  for (const std::filesystem::path& file : referenceProjects()) {
     Json expected;
-    std::ifstream(std::filesystem::path(entry.path()).replace_extension(".json")) >> expected;
-    // From a copy: a look into a file is an opener like any other.
-    const std::string name = entry.path().filename().string();
-    std::filesystem::copy_file(entry.path(), path(name));
+    std::ifstream(std::filesystem::path(file).replace_extension(".json")) >> expected;
+    const std::string& name = file;
     const Json found = Json::parse(forgeyard({"dump", name}).output, nullptr, false);
     for (const char* part : {"settings", "configurations", "active", "components", "connections"})
       EXPECT_EQ(found.at(part), expected.at(part)) << Json::diff(expected.at(part), found.at(part));
@@ -56,7 +49,20 @@ TEST_F(Dump, ReferenceFilesHoldWhatTheirDescriptionsSay) {
     }
     EXPECT_EQ(elements, expected.at("root_elements"));
   }
-  EXPECT_GT(files, 0);
+}
+
+TEST_F(Dump, TheTextKeepsItsForm) {
+  const std::string golden = FORGEYARD_GOLDEN_DEFAULT;
+  const struct {
+    Lines arguments;
+    const char* text;
+  } rows[] = {{{"dump", golden + "/projects/two_folders.nqp"}, "two_folders.json"},
+              {{"dump", golden + "/projects/old_records.nqp"}, "old_records.json"},
+              {{"dump", "--diff", golden + "/projects/two_folders.nqp"}, "two_folders.diff"}};
+  for (const auto& row : rows) EXPECT_EQ(shown(row.arguments), contentOf(golden + "/text/" + row.text));
+  // Wherever the file lies, and whatever its name is.
+  std::filesystem::copy_file(golden + "/projects/two_folders.nqp", path("other"));
+  EXPECT_EQ(shown({"dump", "other"}), shown(rows[0].arguments));
 }
 
 TEST_F(Dump, ToolsShowTheirSettingsByConfiguration) {

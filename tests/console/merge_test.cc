@@ -120,6 +120,12 @@ TEST_F(Merge, EachKindOfChange) {
        {"Conflict: component \"cc\", configuration \"Default\", WarningLevel\n  base:   1\n  ours:   2 "
         "(kept)\n"
         "  theirs: 3\n"}},
+      {"the project's own properties", [](Json& p) { p["settings"]["SSRoot"] = "$/a"; },
+       [](Json& p) {
+         p["settings"]["SSRoot"] = "$/b";
+         p["settings"]["Name"] = "x";
+       },
+       [](Json& p) { p["settings"]["Name"] = "x"; }, conflictIn("project, SSRoot")},
       {"the same property in one way",
        [](Json& p) { settings(p, "cc")["Options"] = "-g"; },
        [](Json& p) { settings(p, "cc")["Options"] = "-g"; },

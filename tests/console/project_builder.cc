@@ -1,5 +1,6 @@
 #include "tests/console/project_builder.h"
 
+#include <gtest/gtest.h>
 #include <stdlib.h>
 
 #include "hosts/console/project/components.h"
@@ -9,6 +10,17 @@
 #include "tests/platform_base/temporary_directory.h"
 
 namespace forgeyard::console {
+
+std::vector<std::filesystem::path> referenceProjects() {
+  const char* given = std::getenv("FORGEYARD_GOLDEN");
+  std::vector<std::filesystem::path> files;
+  for (const auto& entry : std::filesystem::directory_iterator(
+           std::filesystem::path(given ? given : FORGEYARD_GOLDEN_DEFAULT) / "projects")) {
+    if (entry.path().extension() == ".nqp") files.push_back(entry.path());
+  }
+  EXPECT_FALSE(files.empty());
+  return files;
+}
 
 void renameComponent(const std::string& projectFile, const std::string& name, const std::string& newName) {
   const TemporaryDirectory directory;

@@ -1,11 +1,16 @@
 #pragma once
 
+#include <filesystem>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace forgeyard::console {
 
 // What no command of the host does, done in this process.
+
+// The reference projects, at their own place.
+std::vector<std::filesystem::path> referenceProjects();
 
 // Gives the first component of that name another one, free or not.
 void renameComponent(const std::string& projectFile, const std::string& name, const std::string& newName);

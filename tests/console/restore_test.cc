@@ -22,23 +22,15 @@ class Restore : public ConsoleSandbox {
     put("text.json", dumped.output);
     const Outcome restored = forgeyard({"restore", "-y", "text.json", "back"});
     EXPECT_EQ(restored.exitCode, 0) << restored.errors << dumped.output;
-    EXPECT_EQ(contentsOf(path("back")), contentsOf(path(file))) << dumped.output;
+    EXPECT_EQ(contentsOf(path("back")), contentsOf(std::filesystem::path(directory()) / file))
+        << dumped.output;
     EXPECT_EQ(forgeyard({"dump", "back"}).output, dumped.output);
     return dumped.output;
   }
 };
 
 TEST_F(Restore, ReferenceFilesComeBackByteForByte) {
-  const char* given = std::getenv("FORGEYARD_GOLDEN");
-  const auto golden = std::filesystem::path(given ? given : FORGEYARD_GOLDEN_DEFAULT) / "projects";
-  int files = 0;
-  for (const auto& entry : std::filesystem::directory_iterator(golden)) {
-    if (entry.path().extension() != ".nqp") continue;
-    ++files;
-    std::filesystem::copy_file(entry.path(), path(entry.path().filename().string()));
-    mustComeBack(entry.path().filename().string());
-  }
-  EXPECT_GT(files, 0);
+  for (const std::filesystem::path& file : referenceProjects()) mustComeBack(file);
 }
 
 TEST_F(Restore, EveryKindOfComponentAndLeftOverBytesComeBack) {

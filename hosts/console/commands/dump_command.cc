@@ -83,7 +83,10 @@ ExitCode dump(const Invocation& invocation) {
     throw Failure("--diff, --load and --tree each show something else; give one of them.");
   Session session(invocation.options());
   std::optional<TemporaryProject> input;
-  if (named == "-") input.emplace().fill(readWhole(named));
+  if (named == "-") {
+    const std::string bytes = readWhole(named);
+    input.emplace().fill(bytes);
+  }
   ProjectFile file = chosenFile(session, input ? input->path() : named);
   const std::string name = input ? "standard input" : file.host;
   if (input) file.host = name;

@@ -2,12 +2,14 @@
 
 #include <sys/stat.h>
 
+#include <nlohmann/json.hpp>
 #include <set>
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/merge/merge_projects.h"
 #include "hosts/console/merge/merge_values.h"
+#include "hosts/console/services/json_lines.h"
 #include "hosts/console/session/session.h"
 #include "hosts/console/text/project_records.h"
 
@@ -48,9 +50,17 @@ RecordNode noProject() {
                              {"connections", {RecordNode::List{}}}}};
 }
 
-void tell(const MergeLog& log) {
+void tell(Session& session, const MergeLog& log) {
   for (const std::string& note : log.notes) complain("Note: " + note + ".");
   for (const MergeConflict& conflict : log.conflicts) {
+    if (session.options().json) {
+      writeObject(session.output(), "conflict",
+                  {{"where", conflict.where},
+                   {"base", conflict.base},
+                   {"ours", conflict.ours},
+                   {"theirs", conflict.theirs}});
+      continue;
+    }
     complain("Conflict: " + conflict.where + "\nbase:   " + conflict.base + "\nours:   " + conflict.ours +
              " (kept)\ntheirs: " + conflict.theirs);
   }
@@ -70,7 +80,7 @@ void requireLoads(const RecordNode& merged) {
 }
 
 ExitCode merge(const Invocation& invocation) {
-  const Session session(invocation.options());
+  Session session(invocation.options());
   const std::string& basePath = invocation.text("BASE");
   const std::string& oursPath = invocation.text("OURS");
   const RecordNode base = isEmptyFile(basePath) ? noProject() : readSide(basePath);
@@ -83,12 +93,12 @@ ExitCode merge(const Invocation& invocation) {
       projectFile(invocation.has("-o,--output") ? invocation.text("-o,--output") : oursPath, FileNames::Any);
   if (!(merged == ours) || invocation.has("-o,--output"))
     writeRecords(target, merged, "the merged project", true);
-  tell(log);
-  if (log.conflicts.empty()) return ExitCode::Success;
+  tell(session, log);
+  if (log.conflicts.empty()) return session.finish();
   const std::size_t count = log.conflicts.size();
   complain(count == 1 ? "1 conflict: the file has what ours has there."
                       : std::to_string(count) + " conflicts: the file has what ours has there.");
-  return ExitCode::BuildErrors;
+  return session.finish(ExitCode::BuildErrors);
 }
 
 constexpr std::array kCommands{

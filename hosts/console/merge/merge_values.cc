@@ -221,6 +221,13 @@ void markDirty(RecordNode& merged, const RecordNode& ours) {
   if (auto* number = dirty->get<std::int64_t>()) *number = 1;
 }
 
+// Items of record lists have a label of their own.
+std::string placeOf(const std::string& name, const Sides& field, const std::string& where) {
+  if (name == "settings" && where.empty()) return "project";
+  if (field.ours && field.ours->get<List>() && (recordList(name) || name == "cookies")) return where;
+  return where.empty() ? name : where + ", " + name;
+}
+
 RecordNode mergedFields(const Sides& sides, const std::string& where, MergeLog& log) {
   RecordNode merged{Fields{}};
   std::vector<std::string> names;
@@ -231,8 +238,7 @@ RecordNode mergedFields(const Sides& sides, const std::string& where, MergeLog& 
   }
   for (const std::string& name : names) {
     const Sides field = sides.field(name);
-    const std::string place =
-        recordList(name) || name == "cookies" ? where : (where.empty() ? "" : where + ", ") + name;
+    const std::string place = placeOf(name, field, where);
     if (field.ours && field.theirs) {
       merged.add(name, mergedValue(name, field, place, log));
       continue;
