@@ -63,8 +63,10 @@ TEST_F(BuildCommand, QuietShowsWhatToolsSayAndWhatFails) {
   EXPECT_EQ(loud.exitCode, 1);
   EXPECT_THAT(loud.output, HasSubstr(" exit 4\na is bad\nExit Code: 4 (0x4).\n"));
   EXPECT_THAT(loud.output, HasSubstr("b is bad\n"));
-  EXPECT_TRUE(loud.output.ends_with("Component \"tool\" result: ERROR\nFinal result: ERRORS\n"))
-      << loud.output;
+  EXPECT_THAT(loud.output, testing::EndsWith("Component \"tool\" result: ERROR\nFinal result: ERRORS\n"
+                                             "a.in: error: \"tool\" ended with exit code 4\n"
+                                             "b.in: error: \"tool\" ended with exit code 4\n"
+                                             "2 errors.\n"));
 }
 
 TEST_F(BuildCommand, ConfigurationOfOneCallLeavesTheActiveOneActive) {

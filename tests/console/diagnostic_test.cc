@@ -132,21 +132,27 @@ TEST(Diagnostic, MarksPlaceAndSeverityInTheLine) {
 
 TEST(Findings, CountWhatIsSaidTwiceOnceAndConsequencesAlone) {
   Findings findings;
-  const auto run = [&](std::initializer_list<const char*> lines) {
+  const auto run = [&](std::initializer_list<const char*> lines, int exitCode) {
     findings.toolStarted();
-    for (const char* line : lines) findings.add(*recognise(wideFromNarrow(line)), "c");
-    findings.toolEnded();
+    for (const char* line : lines) {
+      if (const auto found = recognise(wideFromNarrow(line))) findings.add(*found, "c");
+    }
+    findings.toolEnded("c", "f.in", exitCode);
   };
   run({"x.h:1:2: warning: careful", "a.c:3:4: error: wrong", "make: *** [all] Error 1",
-       "a.c:3:4: note: here"});
-  run({"x.h:1:2: warning: careful", "x.h:1:2: error: careful"});
-  run({"make: *** [all] Error 1"});
+       "a.c:3:4: note: here"},
+      2);
+  run({"x.h:1:2: warning: careful", "x.h:1:2: error: careful"}, 1);
+  run({"make: *** [all] Error 1"}, 2);
+  run({"make: [all] Error 1 (ignored)", "x.h:1:2: warning: careful"}, 0);
+  run({"x.h:1:2: warning: careful"}, 7);
   ASSERT_EQ(findings.warnings().size(), 1U);
-  EXPECT_EQ(findings.warnings()[0].count, 2U);
-  ASSERT_EQ(findings.errors().size(), 3U);
+  EXPECT_EQ(findings.warnings()[0].count, 4U);
+  ASSERT_EQ(findings.errors().size(), 4U);
   EXPECT_EQ(findings.errors()[1].diagnostic.place(), "x.h:1:2");
   EXPECT_TRUE(findings.errors()[2].diagnostic.consequence);
   EXPECT_EQ(findings.errors()[2].count, 1U);
+  EXPECT_EQ(findings.errors()[3].diagnostic.place(), "f.in");
 }
 
 }  // namespace

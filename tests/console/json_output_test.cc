@@ -70,6 +70,27 @@ TEST_F(JsonOutput, ToolLinesOfAnyBytesAreText) {
   EXPECT_THAT(told({"build"}), testing::Contains(expected));
 }
 
+TEST_F(JsonOutput, FilesOfDiagnosticsAreThoseOfTheUser) {
+  const struct {
+    std::string told;
+    const char* file;
+  } table[] = {{"a.c", "a.c"},
+               {"./sub/../a.c", "a.c"},
+               {path("sub/a.c"), "sub/a.c"},
+               {"/nowhere/a.h", "/nowhere/a.h"},
+               {"\\nowhere\\a.h", "/nowhere/a.h"}};
+  std::string command = scriptedTool();
+  for (const auto& row : table) command += " print \"" + row.told + ":1: error: x\"";
+  command += " print \"make[1]: Entering directory '" + path("sub") + "'\" print \"../b.c:1: error: x\"";
+  command += " print \"make[1]: Leaving directory '" + path("sub") + "'\" print \"c.c:1: error: x\"";
+  makeToolProject({"1.in"}, command);
+  const std::vector<Json> found = ofType(told({"build"}), "diagnostic");
+  ASSERT_EQ(found.size(), std::size(table) + 2);
+  for (std::size_t i = 0; i < std::size(table); ++i) EXPECT_EQ(found[i].at("file"), table[i].file);
+  EXPECT_EQ(found[found.size() - 2].at("file"), "b.c");
+  EXPECT_EQ(found.back().at("file"), "c.c");
+}
+
 TEST_F(JsonOutput, BuildTellsWhatHappensInOrder) {
   makeToolProject({"1.in", "2.in"}, scriptedTool() + " print \"$(FileName).c:3:4: error: wrong\" exit 5");
   std::string order;

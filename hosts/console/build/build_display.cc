@@ -1,7 +1,5 @@
 #include "hosts/console/build/build_display.h"
 
-#include <filesystem>
-
 #include "hosts/console/build/json_view.h"
 #include "hosts/console/build/text_view.h"
 #include "hosts/console/project/configurations.h"
@@ -64,7 +62,10 @@ class BuildDisplay::Progress final : public ComObject<IBuildProgress> {
 };
 
 BuildDisplay::BuildDisplay(OpenProject& project, std::u16string_view command)
-    : session_(project.session()), paths_(project.project()), view_(makeView(project, paths_, command)) {
+    : session_(project.session()),
+      paths_(project.project()),
+      toolPaths_(paths_),
+      view_(makeView(project, paths_, command)) {
   session_.host().outputWindow().setSink(this);
   session_.host().setBuildProgress(make<Progress>(*this).get());
 }
@@ -80,39 +81,33 @@ void BuildDisplay::end(ExitCode result) {
 
 void BuildDisplay::write(const BString& tab, const BString& text, LineOrigin origin) {
   std::optional<Diagnostic> found;
-  if (toolRuns_ && origin == LineOrigin::Tab) found = recognise(text.view());
+  if (toolRuns_ && origin == LineOrigin::Tab) {
+    toolPaths_.follow(text.view());
+    found = recognise(text.view());
+  }
   if (found) {
-    found = withUsersPath(std::move(*found));
+    found->file = toolPaths_.toUser(found->file);
     findings_.add(*found, component_);
   }
   view_->line(tab, text, found ? &*found : nullptr);
 }
 
-// Tools run in the project's directory, so that what they name relative to it is so for the user too.
-Diagnostic BuildDisplay::withUsersPath(Diagnostic diagnostic) const {
-  std::string& file = diagnostic.file;
-  if (file.find('\\') != file.npos) {
-    file = paths_.toUser(BString::fromNarrow(file));
-  } else if (file.starts_with('/')) {
-    file = std::filesystem::path(file).lexically_normal().string();
-    if (const ModelPath model = toModel(file)) file = paths_.toUser(model.path);
-  } else if (file.starts_with("./")) {
-    file = std::filesystem::path(file).lexically_normal().string();
-  }
-  return diagnostic;
+std::string BuildDisplay::fileOf(const ToolRun& run) const {
+  return run.file.isNull() ? "" : paths_.toUser(run.file);
 }
 
 void BuildDisplay::toolStarted(const ToolRun& run) {
   toolRuns_ = true;
   toolBegin_ = Clock::now();
   ++tools_;
+  toolPaths_.toolStarted();
   findings_.toolStarted();
-  view_->toolStarted(run, run.file.isNull() ? "" : paths_.toUser(run.file));
+  view_->toolStarted(run, fileOf(run));
 }
 
 void BuildDisplay::toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode) {
   toolRuns_ = false;
-  findings_.toolEnded();
+  findings_.toolEnded(component_, fileOf(run), exitCode);
   view_->toolEnded(run, exitCode, since(toolBegin_));
 }
 

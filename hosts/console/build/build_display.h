@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "hosts/console/build/build_view.h"
+#include "hosts/console/build/tool_paths.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/project_paths.h"
 #include "hosts/console/services/output_window.h"
@@ -28,12 +29,13 @@ class BuildDisplay final : private LineSink {
   using Clock = std::chrono::steady_clock;
 
   void write(const BString& tab, const BString& text, LineOrigin origin) override;
-  Diagnostic withUsersPath(Diagnostic diagnostic) const;
+  std::string fileOf(const ToolRun& run) const;
   void toolStarted(const ToolRun& run);
   void toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode);
 
   Session& session_;
   ProjectPaths paths_;
+  ToolPaths toolPaths_;
   Clock::time_point begin_ = Clock::now();
   Clock::time_point toolBegin_;
   bool toolRuns_ = false;

@@ -19,6 +19,9 @@ using diagnostic_forms::kSilentPrograms;
 using diagnostic_forms::kWords;
 using diagnostic_forms::Word;
 
+// No name of a file is longer: a line of nothing but colons costs no more than others.
+constexpr std::size_t kLongestName = 1024;
+
 bool isDigit(char16_t c) {
   return c >= u'0' && c <= u'9';
 }
@@ -119,8 +122,9 @@ class Match {
   }
 
   bool offset(View pattern, std::size_t at) {
-    const std::size_t end = rest(at).find(u')');
-    if (!rest(at).starts_with(u'(') || end == View::npos) return false;
+    if (!rest(at).starts_with(u'(')) return false;
+    const std::size_t end = rest(at).substr(0, kLongestName).find(u')');
+    if (end == View::npos) return false;
     found_.placeEnd = at + end + 1;
     return step(pattern, found_.placeEnd);
   }
@@ -129,6 +133,7 @@ class Match {
   bool name(char16_t kind, View pattern, std::size_t at) {
     for (std::size_t end = line_.find(pattern[0], at); end != View::npos;
          end = line_.find(pattern[0], end + 1)) {
+      if (end - at > kLongestName) return false;
       const View taken = line_.substr(at, end - at);
       if (!fits(kind, taken)) continue;
       found_.placeEnd = end;
@@ -190,13 +195,43 @@ bool has(View line, char16_t wanted) {
   return line.substr(at).find(wanted) != View::npos;
 }
 
-// Whether a message may begin behind the colon: what a form asks for there without naming a program.
+// A set of ASCII characters, for a quick no.
+class Letters {
+ public:
+  constexpr void add(char16_t c) { has_[c] = true; }
+  constexpr bool contain(char16_t c) const { return c < has_.size() && has_[c]; }
+
+ private:
+  std::array<bool, 128> has_{};
+};
+
+// What a message begins with where a form doesn't name the program that speaks.
+constexpr std::array<View, 5> kBeginnings{u"undefined ref", u"multiple def", u"more undef", u"relocation",
+                                          u"required from"};
+
+constexpr Letters kFirstLetters = [] {
+  Letters letters;
+  for (const Word& word : kWords) letters.add(word.text.front());
+  for (const View beginning : kBeginnings) letters.add(beginning.front());
+  return letters;
+}();
+
+constexpr Letters kLastLettersOfPrograms = [] {
+  Letters letters;
+  for (const View name : kPrograms) letters.add(name.back());
+  for (const View name : kSilentPrograms) letters.add(name.back());
+  return letters;
+}();
+
+bool isProgram(View name) {
+  return !name.empty() && kLastLettersOfPrograms.contain(name.back()) &&
+         (isOneOf(name, kSilentPrograms) || isOneOf(name, kPrograms));
+}
+
+// Whether a message may begin behind the colon.
 bool mayBegin(View behind) {
-  constexpr View kLetters = u"efiwnsmruEFIWN";
-  constexpr std::array<View, 5> kBeginnings{u"undefined ref", u"multiple def", u"more undef", u"relocation",
-                                            u"required from"};
-  behind.remove_prefix(std::min(behind.find_first_not_of(u' '), behind.size()));
-  if (behind.empty() || kLetters.find(behind.front()) == View::npos) return false;
+  while (behind.starts_with(u' ')) behind.remove_prefix(1);
+  if (behind.empty() || !kFirstLetters.contain(behind.front())) return false;
   return std::any_of(kWords.begin(), kWords.end(),
                      [&](const Word& one) { return behind.starts_with(one.text); }) ||
          std::any_of(kBeginnings.begin(), kBeginnings.end(),
@@ -207,7 +242,7 @@ bool mayBegin(View behind) {
 bool worthALook(View line) {
   std::size_t colon = line.find(u':');
   const View head = line.substr(0, colon);
-  if (isOneOf(head, kSilentPrograms) || isOneOf(head, kPrograms) || isScript(head)) return true;
+  if (isProgram(head) || isScript(head)) return true;
   if (head.ends_with(u']') || line.starts_with(u"In file") || line.starts_with(u"      ")) return true;
   if (mayBegin(head)) return true;
   for (; colon != View::npos; colon = line.find(u':', colon + 1)) {

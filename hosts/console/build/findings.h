@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -23,7 +25,9 @@ class Findings {
   void toolStarted();
   // Notes are not kept.
   void add(const Diagnostic& diagnostic, const std::string& component);
-  void toolEnded();
+  // A tool that fails without a word that is understood counts as an error: in the file that it was for, if
+  // it was for one. Nothing for a tool that was stopped.
+  void toolEnded(const std::string& component, const std::string& file, std::optional<std::int32_t> exitCode);
 
   const std::vector<Finding>& errors() const { return errors_; }
   const std::vector<Finding>& warnings() const { return warnings_; }
