@@ -27,8 +27,9 @@ LAYERS = {
     "sourcecontrol": PLATFORM + ["typelib", "engine", "model"],
     "ui": PLATFORM + ["typelib", "engine", "model", "tools", "sourcecontrol"],
     "plugin": PLATFORM + ["typelib", "engine", "model", "tools", "sourcecontrol", "ui"],
-    # Hosts reach the module through its exports and interfaces alone.
-    "hosts": PLATFORM + ["typelib", "plugin"],
+    # Hosts reach the module through its exports and interfaces alone; what tools a build would run they ask the
+    # adapters' own reading of commands.
+    "hosts": PLATFORM + ["typelib", "plugin", "adapters"],
     # Programs of their own, which start thousands of times: small.
     "adapters": BASE,
     "spawner": BASE + ["adapters"],

@@ -10,6 +10,7 @@
 #include "adapters/common/temporary.h"
 #include "adapters/common/tool_steps.h"
 #include "adapters/common/whole_file.h"
+#include "adapters/linker/link_arguments.h"
 #include "adapters/linker/link_script.h"
 #include "adapters/linker/s_records.h"
 
@@ -53,9 +54,11 @@ class Link {
 
  private:
   bool isImage() const { return command_.format != LinkFormat::Executable; }
-  // What the linker writes: the output itself only if nothing is done to it afterwards.
   std::string linked() const {
-    return isImage() || command_.zeroBss ? temporary_.file("linked.elf") : command_.output;
+    return isConverted(command_) ? temporary_.file("linked.elf") : command_.output;
+  }
+  LinkerInputs inputs() const {
+    return {searched_, ownLayout() ? layoutFile() : "", script_.copy(), script_.hasSections(), linked()};
   }
   std::string layoutFile() const { return temporary_.file("layout.ld"); }
 
@@ -107,26 +110,8 @@ class Link {
            steps_.fail("cannot write " + layoutFile() + ": " + errorWords(error), ADAPTER_FAILED);
   }
 
-  Words linkerWords() const {
-    Words words{tools_.ld, "-static"};
-    if (isImage()) words.push_back("-N");  // or the image begins with pages of headers
-    if (!command_.relocations.empty()) words.push_back("--emit-relocs");
-    if (command_.crossReferences) words.push_back("--cref");
-    if (command_.warnCommon) words.push_back("--warn-common");
-    if (!command_.mapFile.empty()) words.push_back("-Map=" + command_.mapFile);
-    if (!command_.globalPointer.empty()) append(words, {"--defsym", "_gp=" + command_.globalPointer});
-    for (const std::string& symbol : command_.symbols) append(words, {"--defsym", symbol});
-    append(words, command_.options);
-    for (const std::string& directory : searched_) append(words, {"-L", directory});
-    append(words, {"-o", linked()});
-    if (ownLayout()) append(words, {"-T", layoutFile()});
-    if (script_.hasSections()) words.push_back("-T");
-    words.push_back(script_.copy());
-    return words;
-  }
-
   bool runLinker() {
-    return steps_.run({linkerWords(), {}, [this](std::string_view line) {
+    return steps_.run({linkerArguments(command_, tools_, inputs()), {}, [this](std::string_view line) {
                          const std::string text = script_.explain(line);
                          if (!text.empty()) diagnostics_.line(text);
                        }});
@@ -145,20 +130,7 @@ class Link {
 
   void convert() {
     if (linked() == command_.output) return;
-    Words words{tools_.objcopy};
-    if (command_.zeroBss) {
-      for (const std::string section : {".bss", ".sbss"}) {
-        append(words, {"--set-section-flags", section + "=alloc,load,contents"});
-      }
-    }
-    if (command_.format == LinkFormat::Binary) append(words, {"-O", "binary"});
-    if (command_.format == LinkFormat::SRecords) append(words, {"-O", "srec", "--srec-forceS3"});
-    if (isImage()) {
-      // They are for loaders, and lie where they make the image huge.
-      for (const std::string section : {".MIPS.abiflags", ".reginfo", ".note*"})
-        append(words, {"-R", section});
-    }
-    append(words, {linked(), command_.output});
+    const Words words = conversionArguments(command_, tools_, linked(), command_.output);
     if (steps_.run(words) && command_.format == LinkFormat::SRecords) nameOutputInHeader();
   }
 

@@ -11,6 +11,7 @@ constexpr std::array kGroups{
     CommandGroup{"config", "The configurations of the project"},
     CommandGroup{"workspace", "The projects that this user works on"},
     CommandGroup{"target", "The tool chains that this user's builds can use"},
+    CommandGroup{"export", "Files for other build systems and tools"},
 };
 
 // In the order of --help, one a line.
@@ -18,6 +19,7 @@ constexpr std::span<const Command> (*kFamilies[])() = {
     // clang-format off
     projectCommands,
     importCommands,
+    exportCommands,
     componentCommands,
     connectionCommands,
     fileCommands,

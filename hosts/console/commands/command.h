@@ -112,5 +112,6 @@ std::span<const Command> moduleCommands();
 std::span<const Command> doctorCommands();
 std::span<const Command> usageCommands();
 std::span<const Command> importCommands();
+std::span<const Command> exportCommands();
 
 }  // namespace forgeyard::console
