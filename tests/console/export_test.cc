@@ -199,10 +199,12 @@ TEST_F(Export, ClangTidyUsesTheDatabase) {
       "#include \"wrap.h\"\n#include \"numbers.h\"\nint fault(int x) { if (x = 1) return 2; return x; }\n");
   must({"file", "add", "src/fault.c"});
   must({"export", "compile-commands"});
-  const Outcome good = run("clang-tidy", {"-p", directory(), "--checks=-*,bugprone-*,clang-diagnostic-*", path("src/page.c")});
+  const Outcome good =
+      run("clang-tidy", {"-p", directory(), "--checks=-*,bugprone-*,clang-diagnostic-*", path("src/page.c")});
   EXPECT_EQ(good.exitCode, 0) << good.output;
   EXPECT_THAT(good.output, Not(HasSubstr("error:")));
-  const Outcome bad = run("clang-tidy", {"-p", directory(), "--checks=-*,bugprone-*,clang-diagnostic-*", path("src/fault.c")});
+  const Outcome bad = run(
+      "clang-tidy", {"-p", directory(), "--checks=-*,bugprone-*,clang-diagnostic-*", path("src/fault.c")});
   EXPECT_THAT(bad.output, HasSubstr("[clang-diagnostic-parentheses]"));
   EXPECT_THAT(bad.output, Not(HasSubstr("file not found")));
 }
