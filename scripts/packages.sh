@@ -14,6 +14,7 @@ build  liblua5.4-dev             language of the console host's scripts
 build  libgtest-dev              tests
 build  libgmock-dev              tests
 build  libbenchmark-dev          benchmarks
+package dpkg-dev                finds what the programs of the package depend on
 target gcc-mipsel-linux-gnu      second target of the sample and the tests: compiler
 target binutils-mipsel-linux-gnu second target: assembler and linker
 target libc6-dev-mipsel-cross    second target: C library

@@ -245,15 +245,17 @@ void addOnce(std::vector<std::string>& names, const std::string& name) {
 bool isOption(const std::string& form, const Command* command) {
   if (globalOption(form) || form == "-h" || form == "--help" || form == "--version") return true;
   if (!command) return false;
-  return std::any_of(command->parameters.begin(), command->parameters.end(),
-                     [&](const Parameter& parameter) { return form == parameter.name; });
+  return std::any_of(command->parameters.begin(), command->parameters.end(), [&](const Parameter& parameter) {
+    return form == shortForm(parameter.name) || form == longForm(parameter.name);
+  });
 }
 
 std::vector<std::string> optionNames(const Command* command) {
   std::vector<std::string> names;
   if (command) {
     for (const Parameter& parameter : command->parameters) {
-      if (parameter.kind == Kind::Option || parameter.kind == Kind::Flag) names.emplace_back(parameter.name);
+      if (parameter.kind == Kind::Option || parameter.kind == Kind::Flag)
+        names.emplace_back(longForm(parameter.name));
     }
   }
   for (const GlobalOption& option : globalOptions()) names.emplace_back(longForm(option.row.name));

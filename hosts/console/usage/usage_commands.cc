@@ -1,9 +1,13 @@
-// completion and its inner part, complete: what shells need of the tables of commands.
+// completion with its inner part, complete, and man: what shells need of the tables of commands.
 
+#include <fstream>
+
+#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/standard_output.h"
 #include "hosts/console/usage/candidates.h"
 #include "hosts/console/usage/completion_scripts.h"
+#include "hosts/console/usage/manual.h"
 #include "hosts/console/usage/shell_line.h"
 
 namespace forgeyard::console {
@@ -73,12 +77,49 @@ ExitCode answerShell(const Invocation& invocation) {
   return finishOutput(out, ExitCode::Success);
 }
 
+void writePage(const std::string& directory, const std::string& page) {
+  const std::string file = directory + "/" + page + ".1";
+  std::ofstream out(file, std::ios::binary);
+  out << manualPage(page);
+  out.close();
+  if (!out) throw Failure(file + " can't be written.");
+}
+
+std::string requiredPage(const std::string& word) {
+  if (word.empty()) return manualPages().front();
+  std::vector<std::string> words;
+  for (const std::string& page : manualPages()) {
+    if (page.ends_with("-" + word) || page == word) return page;
+    words.push_back(page.substr(page.find('-') + 1));
+  }
+  throw Failure("There is no command " + word + "." + suggestion(word, words, "commands"));
+}
+
+ExitCode showManual(const Invocation& invocation) {
+  LineWriter& out = standardOutput();
+  const std::string& word = invocation.text("COMMAND");
+  if (!invocation.has("--directory")) {
+    out.raw(manualPage(requiredPage(word)));
+    return finishOutput(out, ExitCode::Success);
+  }
+  for (const std::string& page : word.empty() ? manualPages() : std::vector{requiredPage(word)})
+    writePage(invocation.text("--directory"), page);
+  return finishOutput(out, ExitCode::Success);
+}
+
 constexpr std::array kCommands{
     Command{"completion",
             "Write the script that lets a shell complete command lines, names of the project included",
             {{{Kind::Text, "SHELL", "bash|zsh|fish",
                "bash, zsh or fish; the comments in the script say how to use it"}}},
             showScript},
+    Command{"man",
+            "Write a manual page, for the program man",
+            {{{Kind::OptionalText, "COMMAND", "",
+               "a command's first word; left out: the page of the whole program", Completes::Command},
+              {Kind::Option, "--directory", "DIR", "into files there; without COMMAND all pages",
+               Completes::Directory}}},
+            showManual},
     Command{"complete",
             "Answer what may stand at the end of a command line; for the scripts of \"completion\"",
             {{{Kind::Text, "SHELL", "bash|zsh|fish", "whose quotes the line has"},
