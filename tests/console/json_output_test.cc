@@ -25,8 +25,13 @@ TEST_F(JsonOutput, LinesAndFailuresOfEveryCommandAreObjects) {
     const char* words;
     int exitCode;
   } table[] = {
-      {{"component", "list"}, "line", "text", "cc -> link", 0},
-      {{"target", "list"}, "line", "text", "native", 0},
+      {{"get", "cc", "Output"}, "property", "value", ".obj\n", 0},
+      {{"file", "list"}, "source", "file", "", 0},
+      {{"config", "list"}, "configuration", "configuration", "Default\nSmall\n", 0},
+      {{"component", "list"}, "component", "component", "src\ninc\ncc\nlink\n", 0},
+      {{"target", "list"}, "target", "target", "native\n", 0},
+      {{"workspace", "list"}, "workspace_project", "project", "", 0},
+      {{"history"}, "line", "text", "Project", 0},
       {{"stop"}, "line", "text", "No build of yours is running.", 0},
       {{"typelib", "IProject"}, "line", "text", "interface IProject", 0},
       {{"--help"}, "line", "text", "Usage: ", 0},

@@ -1,6 +1,7 @@
 // folder add, component add, list and remove.
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
@@ -8,6 +9,7 @@
 #include "hosts/console/project/connections.h"
 #include "hosts/console/project/new_component.h"
 #include "hosts/console/project/open_project.h"
+#include "hosts/console/services/json_lines.h"
 
 namespace forgeyard::console {
 
@@ -47,8 +49,8 @@ ExitCode makeTool(const Invocation& invocation) {
   return ExitCode::Success;
 }
 
-std::string sinksOf(const Component& component, const std::vector<Component>& all,
-                    const std::vector<Ref<IConnection>>& connections) {
+std::vector<std::string> sinksOf(const Component& component, const std::vector<Component>& all,
+                                 const std::vector<Ref<IConnection>>& connections) {
   std::vector<std::string> names;
   for (const auto& connection : connections) {
     Ref<IComponent> from;
@@ -61,7 +63,7 @@ std::string sinksOf(const Component& component, const std::vector<Component>& al
     });
     if (sink != all.end()) names.push_back(sink->name);
   }
-  return names.empty() ? "" : " -> " + enumeration(names);
+  return names;
 }
 
 void pad(std::string& text, std::size_t width) {
@@ -74,11 +76,20 @@ ExitCode listComponents(const Invocation& invocation) {
   const std::vector<Component> all = componentsOf(project.project());
   const std::vector<Ref<IConnection>> connections = connectionsOf(project.project());
   for (const Component& component : all) {
+    const std::vector<std::string> sinks = sinksOf(component, all, connections);
+    if (session.options().json) {
+      writeObject(session.output(), "component",
+                  {{"component", component.name},
+                   {"id", component.id},
+                   {"kind", component.kindName()},
+                   {"feeds", sinks}});
+      continue;
+    }
     std::string line = "#" + std::to_string(component.id);
     pad(line, 5);
     line += component.kindName();
     pad(line, 13);
-    session.output().line(line + component.name + sinksOf(component, all, connections));
+    session.output().line(line + component.name + (sinks.empty() ? "" : " -> " + enumeration(sinks)));
   }
   return session.finish();
 }

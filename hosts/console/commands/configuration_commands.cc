@@ -1,9 +1,12 @@
 // config add, list, use, remove and set.
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/configuration_properties.h"
 #include "hosts/console/project/configurations.h"
 #include "hosts/console/project/open_project.h"
+#include "hosts/console/services/json_lines.h"
 
 namespace forgeyard::console {
 
@@ -40,6 +43,15 @@ ExitCode addConfiguration(const Invocation& invocation) {
   return ExitCode::Success;
 }
 
+constexpr std::array kListed{"OutputDirectory", "IntermediateDirectory", "UpdateFileDependencies"};
+
+nlohmann::ordered_json membersOf(IConfiguration& configuration, bool active) {
+  nlohmann::ordered_json members{
+      {"configuration", nameOf(configuration)}, {"active", active}, {kTarget, targetOf(configuration)}};
+  for (const char* property : kListed) members[property] = readProperty(configuration, property);
+  return members;
+}
+
 ExitCode listConfigurations(const Invocation& invocation) {
   refuseOption(invocation);
   Session session(invocation.options());
@@ -47,9 +59,13 @@ ExitCode listConfigurations(const Invocation& invocation) {
   Ref<IConfiguration> active;
   check(project.project().get_ActiveConfiguration(&active));
   for (const auto& configuration : configurationsOf(project.project())) {
+    if (session.options().json) {
+      writeObject(session.output(), "configuration", membersOf(*configuration, configuration == active));
+      continue;
+    }
     std::string line = (configuration == active ? "* " : "  ") + nameOf(*configuration);
     line += std::string("  ") + kTarget + "=" + targetOf(*configuration);
-    for (const char* property : {"OutputDirectory", "IntermediateDirectory", "UpdateFileDependencies"})
+    for (const char* property : kListed)
       line += std::string("  ") + property + "=" + readProperty(*configuration, property);
     session.output().line(line);
   }

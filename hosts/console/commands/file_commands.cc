@@ -4,12 +4,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <unordered_set>
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/source_files.h"
+#include "hosts/console/services/json_lines.h"
 #include "platform/paths/shell_path.h"
 
 namespace forgeyard::console {
@@ -109,8 +111,16 @@ ExitCode listFiles(const Invocation& invocation) {
   const OpenProject project(session);
   const ProjectPaths paths(project.project());
   for (const FolderContents& folder : foldersOf(project.project())) {
-    session.output().line(folder.folder.name);
-    for (const ProjectSource& file : folder.files) session.output().line("  " + paths.toUser(file.name));
+    const bool json = session.options().json;
+    if (!json) session.output().line(folder.folder.name);
+    for (const ProjectSource& file : folder.files) {
+      const std::string name = paths.toUser(file.name);
+      if (json) {
+        writeObject(session.output(), "source", {{"folder", folder.folder.name}, {"file", name}});
+      } else {
+        session.output().line("  " + name);
+      }
+    }
   }
   return session.finish();
 }

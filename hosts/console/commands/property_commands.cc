@@ -1,9 +1,12 @@
 // set and get: the properties of components.
 
+#include <nlohmann/json.hpp>
+
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/component_properties.h"
 #include "hosts/console/project/configurations.h"
 #include "hosts/console/project/open_project.h"
+#include "hosts/console/services/json_lines.h"
 
 namespace forgeyard::console {
 
@@ -36,16 +39,36 @@ ExitCode setProperties(const Invocation& invocation) {
   return ExitCode::Success;
 }
 
-void showOne(LineWriter& out, const Component& component, IConfiguration& configuration,
+void tellProperty(LineWriter& out, const Component& component, IConfiguration& configuration,
+                  const std::string& property, const std::string& value) {
+  writeObject(out, "property",
+              {{"component", component.name},
+               {"configuration", nameOf(configuration)},
+               {"property", property},
+               {"value", value}});
+}
+
+void showOne(Session& session, const Component& component, IConfiguration& configuration,
              const std::string& property, const std::string& prefix) {
   const PropertyHolders holders = holdersOf(component, configuration);
+  LineWriter& out = session.output();
+  const bool json = session.options().json;
   if (!property.empty()) {
     IDispatch* holder = holders.readable(property);
     if (!holder) throw unknownProperty(component, property, holders.names(readableProperties));
-    return out.line(prefix + readProperty(*holder, property));
+    const std::string value = readProperty(*holder, property);
+    if (json) return tellProperty(out, component, configuration, property, value);
+    return out.line(prefix + value);
   }
-  for (const std::string& name : holders.names(readableProperties))
-    out.line(prefix + name + "=" + readProperty(*holders.readable(name), name));
+  for (const std::string& name : holders.names(readableProperties)) {
+    const std::string value = readProperty(*holders.readable(name), name);
+    if (json) {
+      tellProperty(out, component, configuration, name, value);
+    } else {
+      std::string line = prefix + name;
+      out.line((line += '=') += value);
+    }
+  }
 }
 
 ExitCode showProperties(const Invocation& invocation) {
@@ -54,7 +77,7 @@ ExitCode showProperties(const Invocation& invocation) {
   const Component component = findComponent(project.project(), invocation.text("COMPONENT"));
   for (const auto& configuration : chosenConfigurations(project, invocation)) {
     const std::string prefix = invocation.has("--all-configs") ? nameOf(*configuration) + ": " : "";
-    showOne(session.output(), component, *configuration, invocation.text("PROPERTY"), prefix);
+    showOne(session, component, *configuration, invocation.text("PROPERTY"), prefix);
   }
   return session.finish();
 }

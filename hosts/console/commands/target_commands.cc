@@ -1,11 +1,13 @@
 // target list, add, remove and detect: the tool chains of the registry.
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/program_paths.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
+#include "hosts/console/services/json_lines.h"
 #include "hosts/console/services/standard_output.h"
 #include "hosts/console/session/first_start.h"
 #include "hosts/console/session/session.h"
@@ -43,7 +45,17 @@ std::vector<std::string> namesOf(const std::vector<Target>& targets) {
   return names;
 }
 
-ExitCode listTargets(const Invocation&) {
+void tell(const Registry& registry, const std::vector<Target>& targets) {
+  LineWriter& out = standardOutput();
+  for (const Target& target : targets)
+    writeObject(out, "target",
+                {{"target", target.name}, {"compiler", target.compiler}, {"assembler", target.assembler}});
+  if (const std::string linker = registeredLinker(registry); !linker.empty())
+    writeObject(out, "linker",
+                {{"linker", linker}, {"found", findProgram(linkerProgram(linker)).has_value()}});
+}
+
+ExitCode listTargets(const Invocation& invocation) {
   const Registry registry = preparedRegistry();
   const std::string adapters = adapterDirectory(registry);
   const std::vector<Target> targets = registeredTargets(registry);
@@ -53,6 +65,10 @@ ExitCode listTargets(const Invocation&) {
         "one.");
   }
   LineWriter& out = standardOutput();
+  if (invocation.options().json) {
+    tell(registry, targets);
+    return finishOutput(out, ExitCode::Success);
+  }
   for (const Target& target : targets) {
     out.line(target.name);
     out.line("  compiler:  " + described(target.compiler, adapters));

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/workspace.h"
+#include "hosts/console/services/json_lines.h"
 
 namespace forgeyard::console {
 
@@ -28,10 +30,19 @@ ExitCode list(const Invocation& invocation) {
   std::size_t width = 0;
   for (const WorkspaceProject& project : projects) width = std::max(width, widthOf(project.name));
   for (const WorkspaceProject& project : projects) {
-    const std::string name = project.name + std::string(width - widthOf(project.name), ' ');
     std::error_code error;
-    const char* state = !fs::exists(project.file, error) ? "  missing" : project.loaded ? "" : "  not loaded";
-    session.output().line((project.active ? "* " : "  ") + name + "  " + project.file + state);
+    const char* state = !fs::exists(project.file, error) ? "missing" : project.loaded ? "" : "not loaded";
+    if (session.options().json) {
+      writeObject(session.output(), "workspace_project",
+                  {{"project", project.name},
+                   {"file", project.file},
+                   {"active", project.active},
+                   {"state", *state ? state : "loaded"}});
+      continue;
+    }
+    const std::string name = project.name + std::string(width - widthOf(project.name), ' ');
+    session.output().line((project.active ? "* " : "  ") + name + "  " + project.file + (*state ? "  " : "") +
+                          state);
   }
   return session.finish();
 }
