@@ -136,5 +136,18 @@ TEST_F(JsonOutput, BuildTellsWhatHappensInOrder) {
       (Json{{"type", "build_end"}, {"result", "ERRORS"}, {"errors", 2}, {"warnings", 0}, {"tools", 2}}));
 }
 
+TEST_F(JsonOutput, StoppedBuildTellsItsEndToo) {
+  makeToolProject({"1.in"}, scriptedTool() + " pid running hang");
+  e2e::RunningProgram build(start({"build", "--json"}));
+  waitForFile("running");
+  build.interrupt();
+  const Outcome outcome = build.finish();
+  EXPECT_EQ(outcome.exitCode, 130);
+  const std::vector<Json> objects = objectsOf(outcome);
+  EXPECT_EQ(ofType(objects, "build_end").at(0).at("result"), "STOPPED");
+  EXPECT_FALSE(ofType(objects, "tool_end").at(0).contains("exit_code"));
+  EXPECT_THAT(ofType(objects, "message").at(0).at("text"), HasSubstr("Stopping."));
+}
+
 }  // namespace
 }  // namespace forgeyard::console
