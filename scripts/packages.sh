@@ -19,9 +19,10 @@ target gcc-mipsel-linux-gnu      second target of the sample and the tests: comp
 target binutils-mipsel-linux-gnu second target: assembler and linker
 target libc6-dev-mipsel-cross    second target: C library
 target qemu-user                 runs programs of the second target
+test   make                      builds what is exported for it
 test   libgsf-bin                another implementation reads our project files
 test   python3-olefile           and one more
-test   git                       shows and merges projects
+test   git                       shows and merges projects, tells imports what to leave out
 lint   clang-format              layout of the code
 lint   clang-tidy                faults that the compiler does not see; brings python3
 fuzz   clang                     compiles the fuzz targets

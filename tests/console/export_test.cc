@@ -95,15 +95,16 @@ TEST_F(Export, RomIsTheSameToTheLastByte) {
                                             {"binary", "monitor.bin"},
                                             {"srecord", "monitor.sre"}}) {
     must({"-c", configuration, "build"});
-    const std::string program = "out/" + configuration + "/" + file;
+    const fs::path place = fs::path("out") / configuration;
+    const std::string program = place / file;
     const std::string expected = content(program);
-    const std::string symbols = content("out/" + configuration + "/monitor.sym");
+    const std::string symbols = content((place / "monitor.sym").string());
     for (const OtherBuild& other : kOtherBuilds) {
       forget();
       must({"-c", configuration, "export", other.name});
       mustBuild(other);
       EXPECT_TRUE(content(program) == expected) << configuration << " " << other.name;
-      EXPECT_EQ(content("out/" + configuration + "/monitor.sym"), symbols);
+      EXPECT_EQ(content((place / "monitor.sym").string()), symbols);
       EXPECT_THAT(mustBuild(other), HasSubstr(other.idle));
       touch("monitor.lk");
       EXPECT_THAT(mustBuild(other), Not(HasSubstr(other.idle)));
@@ -124,7 +125,9 @@ TEST_F(Export, NamesAreQuotedAsEachFormatDemands) {
     put(headers.back(), "#define H 1\n");
     // A macro of ours begins like that, and can't be in a name that we build.
     if (name == "$(x") continue;
-    put("in c/" + name + ".c", "#include \"h " + name + ".h\"\nint " + function + "(void) { return H; }\n");
+    put("in c/" + name + ".c",
+        std::string("#include \"h ").append(name).append(".h\"\nint ").append(function) +
+            "(void) { return H; }\n");
     declarations.append("int ").append(function).append("(void);\n");
     sum.append(" + ").append(function).append("()");
   }

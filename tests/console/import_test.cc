@@ -123,6 +123,18 @@ TEST_F(Import, IncludePathsComeFromWhereTheHeadersLie) {
   expectBuilds();
 }
 
+TEST_F(Import, APartOfATreeFindsTheHeadersOfTheWhole) {
+  putAll({{"part/src/main.c",
+           "#include \"part/src/a.h\"\n#include <common/b.h>\nint main(void) { return A - B; }"},
+          {"part/src/a.h", "#define A 7\n"},
+          {"common/b.h", "#define B 7\n"}});
+  const Outcome outcome = must({"import", "part"});
+  EXPECT_EQ(outcome.errors, "");
+  EXPECT_EQ(shown({"-p", "part/part.nqp", "get", "compile", "IncludePath"}), "..\n");
+  must({"-p", "part/part.nqp", "build"});
+  EXPECT_EQ(run(path("part/out/part")).exitCode, 0);
+}
+
 TEST_F(Import, SeveralMainsAreSeveralProgramsAndNoneIsALibrary) {
   putAll({{"lib/text.c", "const char* text(void) { return \"text\"; }"},
           {"one/main.c", "#include <stdio.h>\nconst char* text(void);\nint main(void) { puts(text()); }"},

@@ -28,6 +28,7 @@ std::string hostPath(const BString& path) {
 
 std::vector<std::string> hostPaths(const std::vector<BString>& paths) {
   std::vector<std::string> result;
+  result.reserve(paths.size());
   for (const BString& path : paths) result.push_back(hostPath(path));
   return result;
 }

@@ -36,7 +36,9 @@ std::string ImportRequest::settingPath(const std::string& hostPath) const {
   const ModelPath model = toModel(hostPath);
   if (!model) throw Failure(model.error);
   const std::string path = spelledHost(model.path).value_or(hostPath);
-  if (!covers(own, path) && !covers(directory, path)) return model.path.narrow();
+  // What the project lies in is told by the way up, so that it can move with that.
+  const bool near = covers(own, path) || covers(directory, path) || (path != "/" && covers(path, own));
+  if (!near) return model.path.narrow();
   std::string relative = fs::path(path).lexically_relative(own).string();
   std::replace(relative.begin(), relative.end(), '/', '\\');
   return relative;

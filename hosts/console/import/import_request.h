@@ -22,7 +22,8 @@ struct ImportRequest {
   // The project's own directory.
   std::string projectDirectory() const;
   // A path as settings have it: from the project's directory for what lies in that or in the directory of the
-  // sources, absolute otherwise. Throws a Failure for one that can't be spelled.
+  // sources and for what the project lies in, absolute otherwise. Throws a Failure for one that can't be
+  // spelled.
   std::string settingPath(const std::string& hostPath) const;
 };
 

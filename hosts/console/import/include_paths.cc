@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <set>
 
 #include "hosts/console/base/nearest.h"
 
@@ -49,7 +48,7 @@ std::size_t commonLength(std::string_view a, std::string_view b) {
 
 }  // namespace
 
-IncludePaths::IncludePaths(const SourceTree& tree) {
+IncludePaths::IncludePaths(const SourceTree& tree) : root_(tree.root) {
   for (const TreeFile& file : tree.files) {
     files_.insert(file.path);
     byName_[std::string(fileName(file.path))].push_back(file.path);
@@ -64,6 +63,19 @@ std::vector<std::string> IncludePaths::candidatesFor(const std::string& name) co
     if (path == name || path.ends_with("/" + name)) found.push_back(path);
   }
   return found;
+}
+
+// Of a tree that is a part of a larger one, whose root the name counts from.
+std::optional<std::string> IncludePaths::aboveRoot(const std::string& name) const {
+  constexpr int highest = 3;
+  std::string directory = root_;
+  std::string relative;
+  for (int up = 0; up < highest && directoryName(directory).size() > 1; ++up) {
+    directory = directoryName(directory);
+    relative += relative.empty() ? ".." : "/..";
+    if (::access((directory + "/" + name).c_str(), F_OK) == 0) return relative;
+  }
+  return std::nullopt;
 }
 
 void IncludePaths::take(const std::string& path) {
@@ -92,6 +104,10 @@ void IncludePaths::add(const std::string& file, const std::vector<Include>& incl
       continue;
     }
     settled_.insert(include.name);
+    if (const auto above = aboveRoot(name)) {
+      above_.insert(*above);
+      continue;
+    }
     if (include.quoted && ::access(("/usr/include/" + include.name).c_str(), F_OK) != 0)
       missing_.emplace_back(include.name, file);
   }
@@ -124,6 +140,7 @@ std::vector<std::string> IncludePaths::directories(Notes& notes) {
   }
   for (const auto& [name, file] : missing_)
     notes.add("Included, and nowhere in the tree", std::string(name).append(" (by ").append(file) + ")");
+  chosen.insert(above_.begin(), above_.end());
   return {chosen.begin(), chosen.end()};
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -21,7 +23,8 @@ class IncludePaths {
   // One file of the tree with what it includes.
   void add(const std::string& file, const std::vector<Include>& includes);
 
-  // Relative to the tree's root, "." for itself, sorted. Notes what is included and lies nowhere, or at
+  // Relative to the tree's root, "." for itself, sorted; a tree that is a part of a larger one may need ".."
+  // or what is above that. Notes what is included and lies nowhere, or at
   // several places.
   std::vector<std::string> directories(Notes& notes);
   // The sources that others include as if they were headers.
@@ -37,7 +40,9 @@ class IncludePaths {
 
   std::vector<std::string> candidatesFor(const std::string& name) const;
   void take(const std::string& path);
+  std::optional<std::string> aboveRoot(const std::string& name) const;
 
+  std::string root_;
   std::unordered_set<std::string> files_;
   std::unordered_map<std::string, std::vector<std::string>> byName_;
   std::unordered_set<std::string> includedSources_;
@@ -45,6 +50,7 @@ class IncludePaths {
   std::unordered_set<std::string> settled_;  // names that need no directory more
   std::unordered_map<std::string, Question> open_;
   std::vector<std::string> openOrder_;
+  std::set<std::string> above_;                               // directories that the tree lies in: ".."
   std::vector<std::pair<std::string, std::string>> missing_;  // name, the first file that asks
 };
 

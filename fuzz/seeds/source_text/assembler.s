@@ -1,0 +1,5 @@
+	.include "m.inc" # it isn't
+main:
+/* #include "x" */
+#define A \
+  "b"
