@@ -277,9 +277,11 @@ std::string wrongOption(const std::vector<std::string>& arguments) {
   const Command* command = commandNamed(words(arguments));
   for (const std::string& argument : arguments) {
     if (argument == "--") break;
-    const std::string form = argument.substr(0, argument.find('='));
-    if (!form.starts_with("--") || isOption(form, command)) continue;
-    const auto near = nearest(form, optionNames(command));
+    if (!argument.starts_with('-') || argument == "-") continue;
+    const bool brief = !argument.starts_with("--");
+    const std::string form = brief ? argument.substr(0, 2) : argument.substr(0, argument.find('='));
+    if (isOption(form, command)) continue;
+    const auto near = brief ? std::nullopt : nearest(form, optionNames(command));
     return (command ? std::string(command->name) + " has" : "There is") + " no option " + form + "." +
            (near ? " Did you mean " + *near + "?" : " Try the same with --help.");
   }

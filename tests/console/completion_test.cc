@@ -5,6 +5,7 @@
 
 #include "hosts/console/base/program_paths.h"
 #include "tests/console/console_sandbox.h"
+#include "tests/console/project_builder.h"
 
 namespace forgeyard::console {
 namespace {
@@ -95,6 +96,9 @@ TEST_F(CompletionOfShells, AnswersWordsAsBashIsToInsertThem) {
   EXPECT_EQ(answered("zsh", "forgeyard get 'my"), "words|my folder\ta folder of source files");
   EXPECT_EQ(answered("fish", "forgeyard set 'it\\'s' \"my"), "words");
   EXPECT_EQ(everything(), before);
+  renameComponent(path("p.nqp"), "inc", "src");
+  EXPECT_EQ(answered("bash", "forgeyard get "),
+            "words|\\#0 |\\#1 |cc |link |my\\ folder |\\$odd\\ \\\"q\\'s ");
 }
 
 TEST_F(CompletionOfShells, WorksBesideABuildAndMakesNothing) {

@@ -33,6 +33,7 @@ TEST_F(HistoryCommand, RefusesWhatThereIsNot) {
   EXPECT_THAT(refused({"history", "Projct"}), HasSubstr("There is no class Projct. Did you mean Project?"));
   EXPECT_THAT(refused({"history", "Workspace"}), HasSubstr("not built yet"));
   EXPECT_THAT(refused({"history", "Cc"}), HasSubstr("The class Cc has no history."));
+  EXPECT_THAT(refused({"history", "Project", "--key", "Beta Fx"}), HasSubstr("Did you mean Beta Fix?"));
   EXPECT_THAT(refused({"history", "--from", "-1"}), HasSubstr("is no version for --from"));
 }
 

@@ -1,6 +1,7 @@
 #include "hosts/console/session/history_report.h"
 
 #include <algorithm>
+#include <set>
 #include <unordered_set>
 
 #include "hosts/console/base/nearest.h"
@@ -21,11 +22,27 @@ std::string_view plainName(std::string_view program) {
   return program;
 }
 
+// Walks through the classes: writes what is wanted of each, or only takes down the keys of all entries.
 class Report {
  public:
   Report(Session& session, const HistoryWish& wish)
       : session_(session), wish_(wish), classes_(registeredClasses(session.registry())) {}
 
+  void tellAll() { wish_.className.empty() ? fromStart() : fromNamed(); }
+
+  // Throws a Failure if no entry has the key that is wanted.
+  void requireKey() {
+    std::set<std::string> keys;
+    keys_ = &keys;
+    tellAll();
+    keys_ = nullptr;
+    told_.clear();
+    if (keys.contains(wish_.key)) return;
+    const std::vector<std::string> names(keys.begin(), keys.end());
+    throw Failure("There are no entries " + wish_.key + "." + suggestion(wish_.key, names, "keys"));
+  }
+
+ private:
   void fromStart() {
     for (const auto& [one, object] : session_.objects().all()) {
       if (const Ref<IKVSelfDocumenting> own = object.as<IKVSelfDocumenting>()) tell(one, *own, "");
@@ -48,14 +65,15 @@ class Report {
                   suggestion(wish_.className, names, "classes"));
   }
 
- private:
   void tell(const RegisteredClass& one, IKVSelfDocumenting& object, const std::string& indent) {
     // A class may stand below several.
     if (!told_.insert(one.clsid).second) return;
     std::int32_t version = 0;
     check(object.GetVersion(&version));
-    session_.output().line(indent + std::string(plainName(one.program)) + ", version " +
-                           std::to_string(version));
+    if (!keys_) {
+      session_.output().line(indent + std::string(plainName(one.program)) + ", version " +
+                             std::to_string(version));
+    }
     tellRows(object, indent + "  ");
     std::vector<Guid> children;
     check(object.Children(&children));
@@ -64,7 +82,7 @@ class Report {
 
   void tellRows(IKVSelfDocumenting& object, const std::string& indent) {
     Ref<IEntries> entries;
-    check(object.Entries(BString::fromNarrow(wish_.key), wish_.first, wish_.last, &entries));
+    check(object.Entries(BString::fromNarrow(keys_ ? "" : wish_.key), wish_.first, wish_.last, &entries));
     std::int32_t count = 0;
     check(entries->get_Count(&count));
     for (std::int32_t i = 0; i < count; ++i) {
@@ -76,6 +94,10 @@ class Report {
       check(entry->get_Version(&version));
       check(entry->get_Key(&key));
       check(entry->get_Text(&text));
+      if (keys_) {
+        keys_->insert(key.narrow());
+        continue;
+      }
       session_.output().line(indent + std::to_string(version) + "  " + key.narrow() + ": " + text.narrow());
     }
   }
@@ -91,13 +113,15 @@ class Report {
   const HistoryWish& wish_;
   std::vector<RegisteredClass> classes_;
   std::unordered_set<Guid> told_;
+  std::set<std::string>* keys_ = nullptr;  // where they are only taken down
 };
 
 }  // namespace
 
 void reportHistory(Session& session, const HistoryWish& wish) {
   Report report(session, wish);
-  wish.className.empty() ? report.fromStart() : report.fromNamed();
+  if (!wish.key.empty()) report.requireKey();
+  report.tellAll();
 }
 
 }  // namespace forgeyard::console

@@ -18,7 +18,8 @@ using Kind = Parameter::Kind;
 
 Shell requiredShell(const std::string& name) {
   if (const auto shell = shellNamed(name)) return *shell;
-  throw Failure("There is no completion for " + name + ". The shells: bash, zsh and fish.");
+  const std::vector<std::string> shells{"bash", "zsh", "fish"};
+  throw Failure("There is no completion for " + name + "." + suggestion(name, shells, "shells"));
 }
 
 ExitCode showScript(const Invocation& invocation) {
