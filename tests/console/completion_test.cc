@@ -83,6 +83,7 @@ TEST_F(CompletionOfShells, AnswersWordsAsBashIsToInsertThem) {
       {"forgeyard typelib IProjectR", "words"},
       {"forgeyard typelib ICcS", "words|ICcSettings "},
       {"forgeyard completion ", "words|bash |zsh |fish "},
+      {"forgeyard graph --format ", "words|text |dot |svg "},
       {"forgeyard -p ", "projects|"},
       {"forgeyard --project=sub/p", "projects|sub/p"},
       {"forgeyard script x.lua --", "files|--"},

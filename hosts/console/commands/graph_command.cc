@@ -58,7 +58,7 @@ ExitCode graph(const Invocation& invocation) {
 constexpr std::array kCommands{
     Command{"graph",
             "Show what feeds what, with files and state of each component",
-            {{{Kind::Option, "--format", "FORMAT",
+            {{{Kind::Option, "--format", "text|dot|svg",
                "text (what is meant if it is left out; with -v all files), dot or svg"}}},
             graph},
 };

@@ -16,7 +16,8 @@ class WorkspaceFile {
   // The named file, or else $FORGEYARD_WORKSPACE, else $XDG_DATA_HOME/forgeyard/workspace, else
   // ~/.local/share/forgeyard/workspace; empty if the environment names none of them.
   static std::string fileFor(const std::string& named);
-  // To look into, also while another host has it: null where there is no file. Throws a Failure that says which file and why.
+  // To look into, also while another host has it: null where there is no file. Throws a Failure that says
+  // which file and why.
   static Ref<IStorage> openToRead(const std::string& file);
 
   // A Failure if an object could not be read from the workspace.
