@@ -6,7 +6,7 @@
 #include "hosts/console/build/diagnostic.h"
 
 // The lines by which tools tell faults, as tables: what GNU compilers, assemblers and linkers print, and the
-// programs around them. For diagnostic.cc alone.
+// programs around them. diagnostic.cc tries them on lines.
 namespace forgeyard::console::diagnostic_forms {
 
 using View = std::u16string_view;
