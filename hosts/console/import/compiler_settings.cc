@@ -235,8 +235,9 @@ class OptionReader {
         return keepPath(form, value);
       case Role::Kept:
         if (apart) {
-          options_.addAlways(word);
-          if (const auto text = entry(value)) options_.addAlways(*text);
+          const auto text = entry(value);
+          if (text) options_.addAlways(word);
+          if (text) options_.addAlways(*text);
           return;
         }
         return keep(word);
@@ -306,7 +307,7 @@ class OptionReader {
 
   void writeSettings() {
     const bool level = optimisation_.size() == 1 && optimisation_[0] >= '1' && optimisation_[0] <= '3';
-    if (!level && !optimisation_.empty() && optimisation_ != "0") options_.addAlways("-O" + optimisation_);
+    if (!level && !optimisation_.empty() && optimisation_ != "0") keep("-O" + optimisation_);
     set("IncludePath", includes_.text());
     set("DefineMacros", defined_.text());
     set("UndefineMacros", undefined_.text());
