@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/record_listing.h"
+#include "engine/omission_text.h"
 #include "model/configuration.h"
 #include "model/stream_names.h"
 #include "platform/com/class_table.h"

@@ -1,6 +1,6 @@
 #include "model/project_records.h"
 
-#include "engine/record_listing.h"
+#include "engine/omission_text.h"
 #include "model/project.h"
 #include "model/project_reader.h"
 #include "model/record_decoder.h"

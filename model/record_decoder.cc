@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "engine/record_listing.h"
+#include "engine/omission_text.h"
 #include "model/record_layout.h"
 #include "model/record_values.h"
 #include "platform/storage/memory_bytes.h"

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "engine/record_listing.h"
+#include "engine/omission_text.h"
 #include "platform/com/enumerators.h"
 
 namespace forgeyard {
@@ -29,7 +29,7 @@ class StorageReader {
     forEach(walk, [&](const STATSTG& found) {
       StoredElement element{found.name, found.type, found.size, found.clsid, {}};
       if (found.type == StgType::Stream) {
-        readStream(storage, found.name, bytes);
+        readStream(storage, found, bytes);
       } else {
         readBelow(storage, element, bytes, level);
       }
@@ -43,21 +43,22 @@ class StorageReader {
     leftOut_.push_back({quoted(kind, name), why});
   }
 
-  // What breaks off is among the storage's findings.
-  void readStream(IStorage& storage, const BString& name, StorageBytes& out) {
+  // What breaks off is among the storage's findings. A damaged size is no reason to make room for it.
+  void readStream(IStorage& storage, const STATSTG& found, StorageBytes& out) {
     Ref<IStream> stream;
-    if (const HRESULT status = storage.OpenStream(name, kRead, &stream); failed(status))
-      return leaveOut("stream", name, statusText(status));
+    if (const HRESULT status = storage.OpenStream(found.name, kRead, &stream); failed(status))
+      return leaveOut("stream", found.name, statusText(status));
     std::string bytes;
-    for (std::uint32_t got = kPiece; got == kPiece;) {
+    while (bytes.size() < found.size) {
       const std::size_t before = bytes.size();
-      bytes.resize(before + kPiece);
-      got = 0;
-      ignore(stream->Read(bytes.data() + before, kPiece, &got));
+      const auto wanted = static_cast<std::uint32_t>(std::min<std::uint64_t>(kPiece, found.size - before));
+      std::uint32_t got = 0;
+      bytes.resize(before + wanted);
+      ignore(stream->Read(bytes.data() + before, wanted, &got));
       bytes.resize(before + got);
+      if (got < wanted) break;
     }
-    bytes.shrink_to_fit();
-    out.streams.emplace_back(name, std::move(bytes));
+    out.streams.emplace_back(found.name, std::move(bytes));
   }
 
   void readBelow(IStorage& storage, StoredElement& element, StorageBytes& out, int level) {

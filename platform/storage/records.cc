@@ -34,12 +34,6 @@ std::uint32_t RecordReader::u32() {
   return value;
 }
 
-std::uint32_t RecordReader::peekU32() {
-  const std::uint32_t value = u32();
-  check(stream_->Seek(-static_cast<std::int64_t>(sizeof value), StreamSeek::Current, nullptr));
-  return value;
-}
-
 std::uint8_t RecordReader::u8() {
   std::uint8_t value = 0;
   bytes(&value, sizeof value);

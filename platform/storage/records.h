@@ -17,8 +17,6 @@ class RecordReader {
   explicit RecordReader(IStream* stream) : stream_(stream) {}
 
   std::uint32_t u32();
-  // The same, with the position left where it is.
-  std::uint32_t peekU32();
   std::int32_t i32() { return static_cast<std::int32_t>(u32()); }
   std::uint8_t u8();
   // A 32-bit count of UTF-16 units and the units; never null.

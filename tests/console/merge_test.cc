@@ -3,6 +3,9 @@
 #include <functional>
 #include <nlohmann/json.hpp>
 
+#include "hosts/console/merge/merge_projects.h"
+#include "hosts/console/text/json_reader.h"
+#include "hosts/console/text/json_writer.h"
 #include "tests/console/console_sandbox.h"
 
 namespace forgeyard::console {
@@ -88,6 +91,16 @@ struct Case {
   std::vector<std::string> conflicts;
   const char* note = "";
 };
+
+// What comes of a merge in this process.
+Json mergedHere(const Json& base, const Json& ours, const Json& theirs) {
+  const auto read = [](const Json& project) { return readJson(project.dump()).records; };
+  MergeLog log;
+  ProjectRecords merged;
+  merged.records = mergedProject(read(base), read(ours), read(theirs), log);
+  EXPECT_TRUE(log.conflicts.empty() && log.notes.empty());
+  return Json::parse(recordsAsJson(merged, Detail::All));
+}
 
 class Merge : public ConsoleSandbox {
  protected:
@@ -299,6 +312,9 @@ TEST_F(Merge, EachKindOfChange) {
     Json theirs = base;
     row.ours(ours);
     row.theirs(theirs);
+    EXPECT_EQ(mergedHere(base, base, theirs), theirs) << "one side alone";
+    EXPECT_EQ(mergedHere(base, theirs, base), theirs);
+    EXPECT_EQ(mergedHere(base, theirs, theirs), theirs);
     restored(ours, "ours");
     restored(theirs, "theirs");
     const Outcome merged = forgeyard({"merge", "base", "ours", "theirs", "-o", "merged"});

@@ -27,6 +27,8 @@ bool isTaken(const std::string& path) {
 // Whether it replaces a file.
 bool mayReplace(Session& session, const ProjectFile& file) {
   if (!isTaken(file.host)) return false;
+  if (std::error_code error; std::filesystem::is_directory(file.host, error))
+    throw Failure(file.host + " is a directory. Name the file to make in it.");
   MessageAnswer answer = MessageAnswer::No;
   check(session.host().frame().ShowMessage(BString::fromNarrow(file.host + " exists already. Replace it?"),
                                            u"Restore", MessageButtons::YesNo, MessageIcon::Exclamation,

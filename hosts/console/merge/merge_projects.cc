@@ -153,7 +153,7 @@ class Assembly {
       std::string free;
       for (int number = 2; free.empty() || std::any_of(components.begin(), components.end(), isNamed(free));
            ++number)
-        free = name + " " + std::to_string(number);
+        free = std::string(name).append(" ").append(std::to_string(number));
       *one.find("Name") = {BString::fromNarrow(free)};
       log_.notes.push_back("component \"" + name + "\" of theirs is \"" + free + "\" now: the name is taken");
     }
