@@ -5,7 +5,7 @@ namespace forgeyard {
 void SettingsBlock::describe(RecordFields& fields) {
   fields.version(0);
   fields.text(u"Name", name);
-  fields.text(u"FileName", fileName);
+  fields.learnt().text(u"FileName", fileName);  // the name that the file had when it was saved
   fields.text(u"SSRoot", ssRoot);
   fields.number(u"NextComponentId", nextComponentId);
   fields.text(u"SSDatabasePath", ssDatabasePath);

@@ -47,7 +47,7 @@ struct RecordNode {
   void add(std::string name, RecordNode node);
 
   std::variant<std::monostate, bool, std::int64_t, BString, List, Fields> value;
-  // Worked out by builds or left over from older records: not what somebody has entered.
+  // Worked out by builds and saves or left over from older records: not what somebody has entered.
   bool learnt = false;
   // In the text that it was read from, from 1; 0: it comes from none.
   std::uint32_t line = 0;

@@ -36,7 +36,7 @@ class RecordFields {
   virtual void texts(std::u16string_view name, std::vector<BString>& value, bool stored = true) = 0;
   virtual void pairs(std::u16string_view name, TextPairs& value, bool stored = true) = 0;
 
-  // Says of the next field that builds work it out, not people.
+  // Says of the next field that builds and saves work it out, not people.
   virtual RecordFields& learnt() { return *this; }
 };
 

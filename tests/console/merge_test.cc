@@ -139,6 +139,11 @@ TEST_F(Merge, EachKindOfChange) {
          p["settings"]["Name"] = "x";
        },
        [](Json& p) { p["settings"]["Name"] = "x"; }, conflictIn("project, SSRoot")},
+      {"files of different names",
+       [](Json& p) { p["settings"]["FileName"] = "ours.nqp"; },
+       [](Json& p) { p["settings"]["FileName"] = "theirs.nqp"; },
+       nothing,
+       {}},
       {"the same property in one way",
        [](Json& p) { settings(p, "cc")["Options"] = "-g"; },
        [](Json& p) { settings(p, "cc")["Options"] = "-g"; },
