@@ -1,16 +1,11 @@
 // Completion: what is answered to shells, and the script at work in a real Bash.
 
-#include <filesystem>
-#include <map>
-
 #include "hosts/console/base/program_paths.h"
 #include "tests/console/console_sandbox.h"
 #include "tests/console/project_builder.h"
 
 namespace forgeyard::console {
 namespace {
-
-namespace fs = std::filesystem;
 
 class CompletionOfShells : public ConsoleSandbox {
  protected:
@@ -32,12 +27,6 @@ class CompletionOfShells : public ConsoleSandbox {
     std::string all;
     for (const std::string& one : outcome.lines()) all += (all.empty() ? "" : "|") + one;
     return all;
-  }
-  std::map<std::string, fs::file_time_type> everything() const {
-    std::map<std::string, fs::file_time_type> files;
-    for (const auto& entry : fs::recursive_directory_iterator(path("..")))
-      files.emplace(entry.path(), entry.last_write_time());
-    return files;
   }
 };
 

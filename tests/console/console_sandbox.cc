@@ -13,6 +13,13 @@ void ConsoleSandbox::makeProject() const {
   must({"config", "add", "Small", "--from", "Default"});
 }
 
+std::map<std::string, std::filesystem::file_time_type> ConsoleSandbox::everything() const {
+  std::map<std::string, std::filesystem::file_time_type> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(path("..")))
+    files.emplace(entry.path(), entry.last_write_time());
+  return files;
+}
+
 std::string ConsoleSandbox::refused(Lines arguments) const {
   const std::string before = exists("p.nqp") ? content("p.nqp") : "";
   std::string line;

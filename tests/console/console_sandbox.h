@@ -1,5 +1,7 @@
 #pragma once
 
+#include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +18,9 @@ using e2e::Outcome;
 class ConsoleSandbox : public e2e::Sandbox {
  protected:
   void makeProject() const;
+
+  // All files of the user with their times: what must not change.
+  std::map<std::string, std::filesystem::file_time_type> everything() const;
 
   // What a command line that is to fail says; fails the test unless it ends with 2, writes nothing to
   // standard output and leaves the project file as it is.

@@ -16,13 +16,6 @@ namespace fs = std::filesystem;
 
 class Doctor : public ConsoleSandbox {
  protected:
-  // All files of the user with their times.
-  std::map<std::string, fs::file_time_type> everything() const {
-    std::map<std::string, fs::file_time_type> files;
-    for (const auto& entry : fs::recursive_directory_iterator(path("..")))
-      files.emplace(entry.path(), entry.last_write_time());
-    return files;
-  }
   // With NAME=VALUE in the environment, if that is not empty; changes nothing.
   Outcome examined(const std::string& variable = "") const {
     e2e::Start start = this->start({"doctor"});
