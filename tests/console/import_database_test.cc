@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "hosts/console/import/compiler_names.h"
 #include "hosts/console/import/compiler_settings.h"
 #include "tests/console/console_sandbox.h"
 

@@ -12,7 +12,7 @@
 #include "adapters/linker/link_script.h"
 #include "hosts/console/base/failure.h"
 #include "hosts/console/base/program_paths.h"
-#include "hosts/console/import/compiler_settings.h"
+#include "hosts/console/import/compiler_names.h"
 #include "hosts/console/import/source_names.h"
 #include "platform/files/host_location.h"
 #include "platform/paths/command_line.h"

@@ -1,10 +1,10 @@
 #include "hosts/console/import/compiler_settings.h"
 
 #include <algorithm>
-#include <array>
-#include <cctype>
 #include <optional>
 
+#include "hosts/console/import/compiler_names.h"
+#include "hosts/console/import/compiler_options.h"
 #include "hosts/console/import/source_names.h"
 #include "platform/paths/command_line.h"
 
@@ -12,89 +12,8 @@ namespace forgeyard::console {
 
 namespace {
 
-constexpr std::array<std::string_view, 5> kLaunchers{"ccache", "sccache", "distcc", "icecc", "env"};
-constexpr std::array<std::string_view, 6> kDrivers{"gcc", "g++", "clang", "clang++", "cc", "c++"};
-
-// What becomes of an option.
-enum class Role : std::uint8_t {
-  Dropped,  // the component or the link has its own
-  Include,
-  Define,
-  Undefine,
-  Path,  // kept, with its value as a path
-  Kept,
-  Optimisation,
-  Feature,
-  Machine,
-  Debug,
-  Warning,
-  Preprocessor,
-  Assembler,
-};
-
-enum class Value : std::uint8_t { None, Joined, Apart, Both };
-
-struct OptionForm {
-  std::string_view name;
-  Value value;
-  Role role;
-};
-
-// The first that fits counts; with a value that may be joined, a longer name comes before its beginning.
-constexpr std::array kForms{
-    OptionForm{"-c", Value::None, Role::Dropped},
-    OptionForm{"-o", Value::Both, Role::Dropped},
-    OptionForm{"-MD", Value::None, Role::Dropped},
-    OptionForm{"-MMD", Value::None, Role::Dropped},
-    OptionForm{"-MP", Value::None, Role::Dropped},
-    OptionForm{"-MF", Value::Both, Role::Dropped},
-    OptionForm{"-MT", Value::Both, Role::Dropped},
-    OptionForm{"-MQ", Value::Both, Role::Dropped},
-    OptionForm{"-fdiagnostics-color", Value::None, Role::Dropped},
-    OptionForm{"-fdiagnostics-color=", Value::Joined, Role::Dropped},
-    OptionForm{"-fcolor-diagnostics", Value::None, Role::Dropped},
-    OptionForm{"-Wl,", Value::Joined, Role::Dropped},
-    OptionForm{"-Wp,", Value::Joined, Role::Preprocessor},
-    OptionForm{"-Wa,", Value::Joined, Role::Assembler},
-    OptionForm{"-isystem", Value::Both, Role::Path},
-    OptionForm{"-iquote", Value::Both, Role::Path},
-    OptionForm{"-idirafter", Value::Both, Role::Path},
-    OptionForm{"-isysroot", Value::Both, Role::Path},
-    OptionForm{"-include", Value::Both, Role::Path},
-    OptionForm{"-imacros", Value::Both, Role::Path},
-    OptionForm{"--sysroot=", Value::Joined, Role::Path},
-    OptionForm{"--sysroot", Value::Apart, Role::Path},
-    OptionForm{"-specs=", Value::Joined, Role::Path},
-    OptionForm{"-B", Value::Both, Role::Path},
-    OptionForm{"-I", Value::Both, Role::Include},
-    OptionForm{"-D", Value::Both, Role::Define},
-    OptionForm{"-U", Value::Both, Role::Undefine},
-    OptionForm{"-L", Value::Both, Role::Dropped},
-    OptionForm{"-l", Value::Both, Role::Dropped},
-    OptionForm{"-Xlinker", Value::Apart, Role::Dropped},
-    OptionForm{"-Xpreprocessor", Value::Apart, Role::Kept},
-    OptionForm{"-Xassembler", Value::Apart, Role::Kept},
-    OptionForm{"-Xclang", Value::Apart, Role::Kept},
-    OptionForm{"--param", Value::Apart, Role::Kept},
-    OptionForm{"-x", Value::Both, Role::Kept},
-    OptionForm{"-arch", Value::Apart, Role::Kept},
-    OptionForm{"-target", Value::Apart, Role::Kept},
-    OptionForm{"-G", Value::Apart, Role::Kept},
-    OptionForm{"-A", Value::Apart, Role::Kept},
-    OptionForm{"-O", Value::Joined, Role::Optimisation},
-    OptionForm{"-O", Value::None, Role::Optimisation},
-    OptionForm{"-f", Value::Joined, Role::Feature},
-    OptionForm{"-m", Value::Joined, Role::Machine},
-    OptionForm{"-g", Value::None, Role::Debug},
-    OptionForm{"-g0", Value::None, Role::Debug},
-    OptionForm{"-W", Value::Joined, Role::Warning},
-    OptionForm{"-w", Value::None, Role::Warning},
-};
-
-// Which of them a link needs too: by their beginnings.
-constexpr std::array<std::string_view, 11> kLinkToo{"-pthread",  "-fsanitize=", "-fopenmp", "-flto",
-                                                    "-fprofile", "--coverage",  "-pg",      "-m32",
-                                                    "-m64",      "-mx32",       "--sysroot"};
+using Role = OptionRole;
+using Value = OptionValue;
 
 // A semicolon list in the order in which its entries came.
 class SettingList {
@@ -143,9 +62,6 @@ class OptionReader {
   std::size_t programPosition() const {
     const std::vector<std::string>& words = command_.arguments;
     std::size_t at = 0;
-    const auto isLauncher = [](const std::string& word) {
-      return std::find(kLaunchers.begin(), kLaunchers.end(), fileName(word)) != kLaunchers.end();
-    };
     while (at + 1 < words.size() && (isLauncher(words[at]) || (at > 0 && isBeforeCompiler(words[at])))) ++at;
     return at;
   }
@@ -153,22 +69,10 @@ class OptionReader {
     return word.starts_with('-') || (word.find('=') != word.npos && !isCompilerDriver(word));
   }
 
-  static const OptionForm* formOf(const std::string& word) {
-    const auto fits = [&](const OptionForm& form) {
-      if (word == form.name) return form.value != Value::Joined;
-      return word.starts_with(form.name) && (form.value == Value::Joined || form.value == Value::Both);
-    };
-    const auto found = std::find_if(kForms.begin(), kForms.end(), fits);
-    return found == kForms.end() ? nullptr : &*found;
-  }
-
   void readWord(const std::string& word) {
-    if (std::any_of(kLinkToo.begin(), kLinkToo.end(),
-                    [&](std::string_view option) { return word.starts_with(option); })) {
-      result_.link.push_back(word);
-    }
+    if (isForLinkToo(word)) result_.link.push_back(word);
     if (!word.starts_with('-') || word == "-") return readOperand(word);
-    const OptionForm* form = formOf(word);
+    const OptionForm* form = formOfOption(word);
     if (!form) return keep(word);
     const bool apart = word == form->name && (form->value == Value::Apart || form->value == Value::Both);
     std::string value = word.substr(form->name.size());
@@ -341,31 +245,7 @@ class OptionReader {
   bool all_ = false;
 };
 
-// The program's file name without a version: "g++" for "/usr/bin/g++-12.2".
-std::string plainProgram(const std::string& program) {
-  std::string name(fileName(program));
-  while (!name.empty() && (std::isdigit(static_cast<unsigned char>(name.back())) != 0 || name.back() == '.'))
-    name.pop_back();
-  if (name.ends_with('-')) name.pop_back();
-  return name;
-}
-
 }  // namespace
-
-bool isCompilerDriver(const std::string& program) {
-  const std::string name = plainProgram(program);
-  return std::any_of(kDrivers.begin(), kDrivers.end(), [&](std::string_view driver) {
-    return name == driver || name.ends_with("-" + std::string(driver));
-  });
-}
-
-std::string driverForC(const std::string& program) {
-  std::string name = plainProgram(program);
-  for (const auto& [cxx, c] : {std::pair("clang++", "clang"), {"g++", "gcc"}, {"c++", "cc"}}) {
-    if (name.ends_with(cxx)) return name.replace(name.size() - std::string_view(cxx).size(), name.npos, c);
-  }
-  return name;
-}
 
 CompilerSettings readCompilerOptions(const CompileCommand& command,
                                      const std::function<std::string(const std::string&)>& settingPath,

@@ -24,9 +24,4 @@ CompilerSettings readCompilerOptions(const CompileCommand& command,
                                      const std::function<std::string(const std::string&)>& settingPath,
                                      Notes& notes);
 
-// Whether the program's name is that of a compiler driver of the GNU kind.
-bool isCompilerDriver(const std::string& program);
-// The name of the driver for C that goes with it: "gcc" for "/usr/bin/g++-12".
-std::string driverForC(const std::string& program);
-
 }  // namespace forgeyard::console

@@ -7,6 +7,7 @@
 
 #include "hosts/console/base/failure.h"
 #include "hosts/console/import/compilation_database.h"
+#include "hosts/console/import/compiler_names.h"
 #include "hosts/console/import/compiler_settings.h"
 #include "hosts/console/import/progress.h"
 #include "hosts/console/import/source_names.h"

@@ -73,7 +73,7 @@ std::optional<std::string> IncludePaths::aboveRoot(const std::string& name) cons
   for (int up = 0; up < highest && directoryName(directory).size() > 1; ++up) {
     directory = directoryName(directory);
     relative += relative.empty() ? ".." : "/..";
-    if (::access((directory + "/" + name).c_str(), F_OK) == 0) return relative;
+    if (::access((fs::path(directory) / name).c_str(), F_OK) == 0) return relative;
   }
   return std::nullopt;
 }

@@ -4,88 +4,41 @@
 #include <map>
 #include <set>
 #include <tuple>
-#include <unordered_set>
 
 #include "hosts/console/import/source_names.h"
-#include "platform/text/fold.h"
+#include "hosts/console/import/source_units.h"
 
 namespace forgeyard::console {
 
 namespace {
 
-// The spawner gets a command as one argument, of which the system takes 131,071 bytes.
-constexpr std::size_t kLongestList = 100000;
 // More programs than that would bury the rest of the project.
 constexpr std::size_t kMostPrograms = 40;
-constexpr int kCommon = -1;
 
 constexpr std::string_view kDefaultInput = ".c;.i;.ii;.m;.cc;.cxx;.cpp;.C;.s;.S";
-
-// Names that are given once.
-class NamePool {
- public:
-  std::string unlikeOthers(const std::string& wanted) {
-    std::string name = wanted;
-    for (int number = 2; !taken_.insert(name).second; ++number) name = wanted + " " + std::to_string(number);
-    return name;
-  }
-
- private:
-  std::unordered_set<std::string> taken_;
-};
-
-// Files that go together into one folder and one tool.
-struct Unit {
-  std::string label;
-  std::size_t group = 0;
-  bool assembled = false;
-  int program = kCommon;
-  std::vector<std::string> files;
-  std::set<std::string> objects;  // their stems as the look-up of files compares them
-
-  bool take(const std::string& file) {
-    if (!objects.insert(folded(fileStem(file))).second) return false;
-    files.push_back(file);
-    return true;
-  }
-};
 
 // What writes into one object directory.
 struct ObjectDirectory {
   std::set<std::string> objects;
   std::size_t length = 0;  // of the list of its objects
 
-  bool hasRoomFor(const Unit& unit, std::size_t unitLength) const {
-    return (length == 0 || length + unitLength <= kLongestList) &&
+  bool hasRoomFor(const SourceUnit& unit, std::size_t unitLength) const {
+    return (length == 0 || length + unitLength <= LONGEST_OBJECT_LIST) &&
            std::none_of(unit.objects.begin(), unit.objects.end(),
                         [&](const std::string& object) { return objects.contains(object); });
   }
 };
 
-// Characters that mean something in a list of outputs or a command.
-std::string plainName(std::string name) {
-  std::replace_if(
-      name.begin(), name.end(),
-      [](char c) {
-        return static_cast<unsigned char>(c) < 0x20 ||
-               std::string_view("/\\;*?\"$").find(c) != std::string::npos;
-      },
-      '_');
-  return name;
-}
-
 class Layout {
  public:
-  Layout(const ProjectParts& parts, Notes& notes) : parts_(parts), notes_(notes) {}
+  Layout(const ProjectParts& parts, Notes& notes)
+      : parts_(parts), notes_(notes), divided_(sourceUnitsOf(parts)) {}
 
   ImportPlan run() {
     plan_.name = parts_.name;
-    chooseProgramNames();
-    collectUnits();
-    splitLongUnits();
-    for (const Unit& unit : units_) place(unit);
+    for (const SourceUnit& unit : divided_.units) place(unit);
     addShownFiles();
-    if (joined_) joinObjects();
+    if (divided_.joined) joinObjects();
     addLinkSteps();
     plan_.tools = std::move(tools_);
     return std::move(plan_);
@@ -95,103 +48,20 @@ class Layout {
   // A tool of the plan with what its programs need to know.
   struct MadeTool {
     std::size_t tool = 0;
-    int program = kCommon;
+    int program = COMMON_PROGRAM;
     std::size_t directory = 0;
     bool cxx = false;
   };
 
-  // Empty for the root itself, which so comes first.
-  std::string directoryLabel(const std::string& file) const {
-    const std::string directory(directoryName(file));
-    if (directory == parts_.root) return "";
-    return directory.starts_with(parts_.root + "/") ? directory.substr(parts_.root.size() + 1) : directory;
-  }
-
   std::string shownLabel(const std::string& label) const { return label.empty() ? parts_.name : label; }
 
-  void chooseProgramNames() {
-    if (parts_.mains.size() < 2) return;
-    NamePool names;
-    for (const std::string& file : parts_.mains) {
-      std::string name(fileStem(file));
-      if (name == "main") name = fileName(shownLabel(directoryLabel(file)));
-      if (const auto known = parts_.programNames.find(file); known != parts_.programNames.end())
-        name = known->second;
-      programOf_.emplace(file, static_cast<int>(programs_.size()));
-      programs_.push_back(plainName(names.unlikeOthers(name)));
-    }
-    for (const auto& [file, main] : parts_.programMains) {
-      if (const auto program = programOf_.find(main); program != programOf_.end())
-        programOf_.emplace(file, program->second);
-    }
-  }
-
-  void collectUnits() {
-    using Key = std::tuple<std::size_t, int, bool, std::string>;
-    std::map<Key, std::vector<Unit>> buckets;
-    for (std::size_t group = 0; group < parts_.groups.size(); ++group) {
-      for (const std::string& file : parts_.groups[group].files) {
-        Unit like;
-        like.group = group;
-        like.assembled = parts_.groups[group].assemblerApart && kindOfFile(file) == FileKind::Assembled;
-        const auto program = programOf_.find(file);
-        if (program != programOf_.end()) like.program = program->second;
-        like.label = parts_.folders == FolderMode::ByDirectory ? directoryLabel(file)
-                     : like.assembled                          ? "assembler sources"
-                                                               : "sources";
-        std::vector<Unit>& units = buckets[Key(group, like.program, like.assembled, like.label)];
-        const auto taken =
-            std::any_of(units.begin(), units.end(), [&](Unit& unit) { return unit.take(file); });
-        if (taken) continue;
-        like.take(file);
-        units.push_back(std::move(like));
-      }
-    }
-    for (auto& [key, units] : buckets) std::move(units.begin(), units.end(), std::back_inserter(units_));
-  }
-
-  std::size_t objectLength(const std::string& file) const {
-    // Its directory, number and extension, and the separator.
-    return parts_.root.size() + fileStem(file).size() + 18;
-  }
-  std::size_t listLength(const Unit& unit) const {
-    std::size_t length = 0;
-    for (const std::string& file : unit.files) length += objectLength(file);
-    return length;
-  }
-
-  void splitLongUnits() {
-    std::size_t all = 0;
-    for (const Unit& unit : units_) all += listLength(unit);
-    joined_ = all > kLongestList;
-    if (!joined_) return;
-    std::vector<Unit> pieces;
-    for (Unit& unit : units_) {
-      Unit piece = unit;
-      piece.files.clear();
-      piece.objects.clear();
-      const Unit empty = piece;
-      std::size_t length = 0;
-      for (const std::string& file : unit.files) {
-        if (length + objectLength(file) > kLongestList) {
-          pieces.push_back(std::exchange(piece, empty));
-          length = 0;
-        }
-        length += objectLength(file);
-        piece.take(file);
-      }
-      pieces.push_back(std::move(piece));
-    }
-    units_ = std::move(pieces);
-  }
-
-  std::size_t directoryFor(const Unit& unit) {
-    const std::size_t length = listLength(unit);
+  std::size_t directoryFor(const SourceUnit& unit) {
+    const std::size_t length = objectListLength(parts_, unit);
     std::size_t at = 0;
-    while (at < directories_.size() && !directories_[at].hasRoomFor(unit, joined_ ? length : 0)) ++at;
+    while (at < directories_.size() && !directories_[at].hasRoomFor(unit, divided_.joined ? length : 0)) ++at;
     if (at == directories_.size()) directories_.emplace_back();
     directories_[at].objects.insert(unit.objects.begin(), unit.objects.end());
-    directories_[at].length += joined_ ? length : 0;
+    directories_[at].length += divided_.joined ? length : 0;
     return at;
   }
 
@@ -199,7 +69,7 @@ class Layout {
     return directory == 0 ? "$(CIntDir)" : "$(CIntDir)" + std::to_string(directory + 1);
   }
 
-  void place(const Unit& unit) {
+  void place(const SourceUnit& unit) {
     MadeTool& made = toolFor(unit, directoryFor(unit));
     PlannedTool& tool = tools_[made.tool];
     tool.inputs.push_back(addFolder(unit));
@@ -208,7 +78,7 @@ class Layout {
   }
 
   // The compiler component takes most extensions by itself.
-  static void takeExtensions(PlannedTool& tool, const Unit& unit) {
+  static void takeExtensions(PlannedTool& tool, const SourceUnit& unit) {
     for (const std::string& file : unit.files) {
       const std::string extension(fileExtension(file));
       const auto input = std::find_if(tool.settings.begin(), tool.settings.end(),
@@ -224,7 +94,7 @@ class Layout {
     }
   }
 
-  MadeTool& toolFor(const Unit& unit, std::size_t directory) {
+  MadeTool& toolFor(const SourceUnit& unit, std::size_t directory) {
     const auto key = std::tuple(unit.group, unit.assembled, unit.program, directory);
     if (const auto known = toolOf_.find(key); known != toolOf_.end()) return made_[known->second];
     toolOf_.emplace(key, made_.size());
@@ -232,8 +102,9 @@ class Layout {
     const CompileGroup& group = parts_.groups[unit.group];
     std::string name = unit.assembled ? "assemble" : "compile";
     if (!group.label.empty()) name += " " + group.label;
-    if (unit.program != kCommon && group.label != programs_[static_cast<std::size_t>(unit.program)])
-      name += " " + programs_[static_cast<std::size_t>(unit.program)];
+    if (unit.program != COMMON_PROGRAM &&
+        group.label != divided_.programs[static_cast<std::size_t>(unit.program)])
+      name += " " + divided_.programs[static_cast<std::size_t>(unit.program)];
     PlannedTool tool{unit.assembled ? "asm" : "cc", names_.unlikeOthers(name), {}, {}};
     if (unit.assembled) {
       tool.settings = parts_.assemblerSettings;
@@ -246,12 +117,14 @@ class Layout {
     return made_.back();
   }
 
-  std::string addFolder(const Unit& unit) {
+  std::string addFolder(const SourceUnit& unit) {
     std::string wanted = shownLabel(unit.label);
     if (unit.assembled && parts_.folders == FolderMode::ByDirectory) wanted += " assembler";
-    if (unit.program != kCommon) wanted += " " + programs_[static_cast<std::size_t>(unit.program)];
+    if (unit.program != COMMON_PROGRAM)
+      wanted += " " + divided_.programs[static_cast<std::size_t>(unit.program)];
     PlannedFolder folder{names_.unlikeOthers(wanted), "", unit.files};
-    if (!unit.assembled && unit.program == kCommon) folderOf_.emplace(unit.label, plan_.folders.size());
+    if (!unit.assembled && unit.program == COMMON_PROGRAM)
+      folderOf_.emplace(unit.label, plan_.folders.size());
     plan_.folders.push_back(std::move(folder));
     setFilter(plan_.folders.back());
     return plan_.folders.back().name;
@@ -273,8 +146,8 @@ class Layout {
       const bool header = kindOfFile(file) != FileKind::Compiled && kindOfFile(file) != FileKind::Assembled;
       // A source that isn't compiled must not lie where a compiler takes its input.
       std::string label = parts_.folders == FolderMode::ByKind ? (header ? "headers" : "included sources")
-                          : header                             ? directoryLabel(file)
-                                   : shownLabel(directoryLabel(file)) + " included";
+                          : header                             ? directoryLabel(parts_, file)
+                                   : shownLabel(directoryLabel(parts_, file)) + " included";
       auto known = folderOf_.find(label);
       if (known == folderOf_.end()) {
         known = folderOf_.emplace(label, plan_.folders.size()).first;
@@ -323,20 +196,20 @@ class Layout {
     if (made_.empty()) return;
     if (!parts_.link.script.empty()) return addLinkerComponent();
     if (parts_.mains.empty()) return addLibrary();
-    if (parts_.mains.size() == 1) return addProgram("link", parts_.name, kCommon);
-    if (programs_.size() > kMostPrograms) {
+    if (parts_.mains.size() == 1) return addProgram("link", parts_.name, COMMON_PROGRAM);
+    if (divided_.programs.size() > kMostPrograms) {
       return notes_.add("So many sources have a function main that no link step is made (" +
-                        std::to_string(programs_.size()) + "); say which one counts: --main FILE");
+                        std::to_string(divided_.programs.size()) + "); say which one counts: --main FILE");
     }
-    for (std::size_t i = 0; i < programs_.size(); ++i)
-      addProgram("link " + programs_[i], programs_[i], static_cast<int>(i));
+    for (std::size_t i = 0; i < divided_.programs.size(); ++i)
+      addProgram("link " + divided_.programs[i], divided_.programs[i], static_cast<int>(i));
   }
 
   // Makes the tool take what the others that belong to the program make. Whether C++ is among it.
   bool feed(PlannedTool& tool, int program) const {
     bool cxx = false;
     for (const MadeTool& made : made_) {
-      if (made.program != kCommon && made.program != program) continue;
+      if (made.program != COMMON_PROGRAM && made.program != program) continue;
       tool.inputs.push_back(tools_[made.tool].name);
       cxx = cxx || made.cxx;
     }
@@ -357,7 +230,7 @@ class Layout {
   void addProgram(const std::string& component, const std::string& program, int index) {
     const std::string output = plainName(program);
     PlannedTool tool =
-        runOnce(names_.unlikeOthers(component), joined_ ? ".o" : ".obj", output, "$(COutDir)", "");
+        runOnce(names_.unlikeOthers(component), divided_.joined ? ".o" : ".obj", output, "$(COutDir)", "");
     const bool cxx = feed(tool, index);
     tool.settings.back().value = linkedDriver(cxx) + " -o \"$(OutDir)" + output +
                                  "\" \"$(FileFullPathList)\"" +
@@ -369,9 +242,9 @@ class Layout {
     notes_.add("No source has a function main, so a library is made");
     const std::string output = "lib" + plainName(parts_.name) + ".a";
     PlannedTool tool =
-        runOnce(names_.unlikeOthers("archive"), joined_ ? ".o" : ".obj", output, "$(COutDir)",
+        runOnce(names_.unlikeOthers("archive"), divided_.joined ? ".o" : ".obj", output, "$(COutDir)",
                 parts_.link.archiver + " rcs \"$(OutDir)" + output + "\" \"$(FileFullPathList)\"");
-    feed(tool, kCommon);
+    feed(tool, COMMON_PROGRAM);
     tools_.push_back(std::move(tool));
   }
 
@@ -386,24 +259,21 @@ class Layout {
                      names_.unlikeOthers("link"),
                      {{"Input", extension + ";.obj"}, {"LibraryPath", libraries}},
                      {folder.name}};
-    feed(tool, kCommon);
+    feed(tool, COMMON_PROGRAM);
     plan_.folders.push_back(std::move(folder));
     tools_.push_back(std::move(tool));
   }
 
   const ProjectParts& parts_;
   Notes& notes_;
+  const SourceUnits divided_;
   ImportPlan plan_;
   NamePool names_;
-  std::vector<std::string> programs_;
-  std::map<std::string, int> programOf_;
-  std::vector<Unit> units_;
   std::vector<ObjectDirectory> directories_;
   std::vector<PlannedTool> tools_;
   std::vector<MadeTool> made_;
   std::map<std::tuple<std::size_t, bool, int, std::size_t>, std::size_t> toolOf_;
   std::map<std::string, std::size_t> folderOf_;
-  bool joined_ = false;
 };
 
 }  // namespace
