@@ -15,7 +15,7 @@ namespace forgeyard {
 namespace {
 
 constexpr std::uint32_t kCreate = STGM_CREATE | STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READWRITE;
-constexpr std::uint32_t kLook = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READ;
+constexpr std::uint32_t kLoad = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READ;
 constexpr std::uint32_t kOpen = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE | STGM_READWRITE;
 
 }  // namespace
@@ -72,7 +72,7 @@ HRESULT CProject::ProjectLoad() {
 Ref<IStorage> CProject::openForLoad() {
   const BString path = filePath();
   Ref<IStorage> root;
-  check(StgOpenStorage(path, kLook, &root));
+  check(StgOpenStorage(path, kLoad, &root));
   readSettings(*root);
   root = nullptr;
   if (sourceControl_.control) {

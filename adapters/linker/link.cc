@@ -17,12 +17,6 @@
 namespace forgeyard {
 namespace {
 
-using Words = std::vector<std::string>;
-
-void append(Words& words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-}
-
 class Link {
  public:
   Link(const LinkCommand& command, const LinkerTools& tools, HostSpelling& spelling,

@@ -4,12 +4,6 @@ namespace forgeyard {
 
 namespace {
 
-using Words = std::vector<std::string>;
-
-void append(Words& words, const Words& more) {
-  words.insert(words.end(), more.begin(), more.end());
-}
-
 bool isImage(const LinkCommand& command) {
   return command.format != LinkFormat::Executable;
 }

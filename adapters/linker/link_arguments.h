@@ -8,6 +8,12 @@
 
 namespace forgeyard {
 
+using Words = std::vector<std::string>;
+
+inline void append(Words& words, const Words& more) {
+  words.insert(words.end(), more.begin(), more.end());
+}
+
 // What the linker reads and writes for a command, which its own words don't say.
 struct LinkerInputs {
   std::vector<std::string> searched;  // for inputs without a directory, in order
@@ -21,10 +27,9 @@ struct LinkerInputs {
 bool isConverted(const LinkCommand& command);
 
 // The linker's whole command line.
-std::vector<std::string> linkerArguments(const LinkCommand& command, const LinkerTools& tools,
-                                         const LinkerInputs& inputs);
+Words linkerArguments(const LinkCommand& command, const LinkerTools& tools, const LinkerInputs& inputs);
 // The whole command line that makes the output of what was linked.
-std::vector<std::string> conversionArguments(const LinkCommand& command, const LinkerTools& tools,
-                                             const std::string& linked, const std::string& output);
+Words conversionArguments(const LinkCommand& command, const LinkerTools& tools, const std::string& linked,
+                          const std::string& output);
 
 }  // namespace forgeyard
