@@ -155,8 +155,13 @@ class Assembly {
            ++number)
         free = std::string(name).append(" ").append(std::to_string(number));
       *one.find("Name") = {BString::fromNarrow(free)};
-      log_.notes.push_back("component \"" + name + "\" of theirs is \"" + free + "\" now: the name is taken");
+      tellNewName(name, free);
     }
+  }
+
+  void tellNewName(const std::string& name, const std::string& now) {
+    log_.notes.push_back("component " + quoted(name) + " of theirs is " + quoted(now) +
+                         " now: the name is taken");
   }
 
   void settleActive() {
