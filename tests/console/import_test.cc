@@ -229,6 +229,9 @@ TEST_F(Import, WrongUseMakesNothing) {
   EXPECT_EQ(content("taken/taken.nqp"), "mine");
   for (const char* made : {"src/src.nqp", "empty/empty.nqp", "q.nqp", "src/obj"})
     EXPECT_FALSE(exists(made)) << made;
+  fs::permissions(path("taken/taken.nqp"), fs::perms::owner_read);
+  EXPECT_THAT(forgeyard({"-y", "import", "taken"}).errors, HasSubstr("taken.nqp can't be made: "));
+  fs::permissions(path("taken/taken.nqp"), fs::perms::owner_all);
   must({"-y", "import", "taken"});
   EXPECT_THAT(shown({"-p", "taken/taken.nqp", "file", "list"}), HasSubstr("  a.c\n"));
 }

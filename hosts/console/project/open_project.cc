@@ -24,7 +24,7 @@ OpenProject::OpenProject(Session& session) : OpenProject(session, chosenProjectF
 OpenProject OpenProject::create(Session& session, const ProjectFile& file, const std::string& name) {
   OpenProject made(session, file);
   check(made.project_->put_Name(BString::fromNarrow(name)));
-  require(made.project_->ProjectInit(), file.host + " can't be made");
+  if (failed(made.project_->ProjectInit())) throw Failure(creationFailure(file));
   check(session.tool().put_ActiveProject(made.project_.get()));
   return made;
 }

@@ -1,6 +1,7 @@
 #include "hosts/console/project/project_file.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -92,6 +93,19 @@ bool isProjectFileHere() {
 
 std::string saveFailure(const ProjectFile& file, HRESULT status) {
   return file.host + " can't be written: " + describe(status) + ". The file stands as it was.";
+}
+
+std::string creationFailure(const ProjectFile& file) {
+  if (findLockHolder(file.host)) return inUse(file.host);
+  const fs::path path(file.host);
+  std::error_code error;
+  for (const fs::path& needed : {path, path.parent_path()}) {
+    if (fs::exists(needed, error) && ::access(needed.c_str(), W_OK) != 0)
+      return file.host + " can't be made: " + std::generic_category().message(errno) + ".";
+  }
+  const bool readOnly = fs::exists(path, error) &&
+                        (fs::status(path, error).permissions() & fs::perms::owner_write) == fs::perms::none;
+  return file.host + " can't be made" + (readOnly ? ": it is read-only." : ".");
 }
 
 std::string openFailure(const ProjectFile& file, HRESULT status) {

@@ -35,6 +35,9 @@ bool isProjectFileHere();
 // Why a project file could not be written, as a whole message.
 std::string saveFailure(const ProjectFile& file, HRESULT status);
 
+// Why a project file could not be made, as a whole message.
+std::string creationFailure(const ProjectFile& file);
+
 // Why a project file could not be opened, as a whole message.
 std::string openFailure(const ProjectFile& file, HRESULT status);
 
