@@ -56,7 +56,14 @@ TEST(Diagnostic, UnderstandsWhatToolsPrint) {
       {"\x1b[01m\x1b[Kd.c:3:5:\x1b[m\x1b[K \x1b[01;35m\x1b[Kwarning: \x1b[m\x1b[Kno prototype for "
        "'\x1b[01m\x1b[Kd\x1b[m\x1b[K'",
        "warning d.c:3:5 | no prototype for 'd'"},
+      {"\x1b[01m\x1b[Kd.c:3:5:\x1b[m\x1b[K \x1b[01;35m\x1b[Kwarning: \x1b[m\x1b[Kunused "
+       "[\x1b]8;;https://x.org/a\x07-Wa\x1b]8;;\x07] [\x1b]8;;https://x.org/b\x1b\\-Wb\x1b]8;;\x1b\\]\x1b(B",
+       "warning d.c:3:5 | unused [-Wa] [-Wb]"},
+      {"tests/a.py:3: WARNING: slow", "warning tests/a.py:3 | slow"},
       // An assembler
+      {"as: unrecognized option '--frob'", "error as | unrecognized option '--frob'"},
+      {"my file.s: Warning: end of file not at end of a line; newline inserted",
+       "warning my file.s | end of file not at end of a line; newline inserted"},
       {"s.s:2: Error: no such instruction: `frobnicate %eax,%ebx'",
        "error s.s:2 | no such instruction: `frobnicate %eax,%ebx'"},
       {"s.s:8: Warning: careful", "warning s.s:8 | careful"},
@@ -68,6 +75,12 @@ TEST(Diagnostic, UnderstandsWhatToolsPrint) {
        "error d.o | multiple definition of `shared'; c.o:(.data+0x0): first defined here"},
       {"/usr/bin/ld: c.o: warning: relocation against `missing_data' in read-only section `.text'",
        "warning c.o | relocation against `missing_data' in read-only section `.text'"},
+      {"/usr/bin/ld: d.o:(.data+0x0): multiple definition of `s'; c.o:/p/c.c:1: first defined here",
+       "error d.o | multiple definition of `s'; c.o:/p/c.c:1: first defined here"},
+      {"/usr/bin/ld: l.a(d.o):/my work/d.c:1: multiple definition of `s'; c.obj:/p/c.c:1: first defined here",
+       "error /my work/d.c:1 | multiple definition of `s'; c.obj:/p/c.c:1: first defined here"},
+      {"/usr/bin/ld: s.o: relocation R_X86_64_32 against symbol `v' can not be used when making a PIE object",
+       "error s.o | relocation R_X86_64_32 against symbol `v' can not be used when making a PIE object"},
       {"c.c:(.text+0x5): undefined reference to `missing_function'",
        "error c.c | undefined reference to `missing_function'"},
       {"/usr/bin/ld: c.c:(.text+0xb): undefined reference to `missing_data'",
@@ -91,6 +104,7 @@ TEST(Diagnostic, UnderstandsWhatToolsPrint) {
        "error mipsel-linux-gnu-ld | cannot open linker script file no.lk: No such file or directory"},
       {"ld: unrecognized option '--frob'", "error ld | unrecognized option '--frob'"},
       {"objcopy: 'nofile.o': No such file", "error objcopy | 'nofile.o': No such file"},
+      {"rules.mk:1: *** missing separator.  Stop.", "error rules.mk:1 | missing separator.  Stop."},
       // What only follows
       {"collect2: error: ld returned 1 exit status", "~error  | collect2: error: ld returned 1 exit status"},
       {"/usr/bin/ld: final link failed: bad value", "~error  | /usr/bin/ld: final link failed: bad value"},
@@ -109,12 +123,15 @@ TEST(Diagnostic, UnderstandsWhatToolsPrint) {
       {"d.o: in function `d':", ""},
       {"ld:g.o: file format not recognized; treating as linker script", ""},
       {"ld: use the --help option for usage information", ""},
+      {"ld: total time in link: 0.000827", ""},
       {"ar: creating lib.a", ""},
       {"    1 | static int f(void) { return x ? 1 : 2; }", ""},
       {"compilation terminated.", ""},
       {"0 errors, 0 warnings", ""},
       {"Compiling error.c: done", ""},
       {"errors: 0", ""},
+      {"test: errors: none", ""},
+      {"      time: 10:30: fine", ""},
       {"12:30:01 warning", ""},
       {"https://example.org:80/error", ""},
   };
@@ -146,13 +163,16 @@ TEST(Findings, CountWhatIsSaidTwiceOnceAndConsequencesAlone) {
   run({"make: *** [all] Error 1"}, 2);
   run({"make: [all] Error 1 (ignored)", "x.h:1:2: warning: careful"}, 0);
   run({"x.h:1:2: warning: careful"}, 7);
+  findings.add(*recognise(u"Error: unplaced"), "c");
+  findings.add(*recognise(u"Error: unplaced"), "d");
   ASSERT_EQ(findings.warnings().size(), 1U);
   EXPECT_EQ(findings.warnings()[0].count, 4U);
-  ASSERT_EQ(findings.errors().size(), 4U);
+  ASSERT_EQ(findings.errors().size(), 6U);
   EXPECT_EQ(findings.errors()[1].diagnostic.place(), "x.h:1:2");
   EXPECT_TRUE(findings.errors()[2].diagnostic.consequence);
   EXPECT_EQ(findings.errors()[2].count, 1U);
   EXPECT_EQ(findings.errors()[3].diagnostic.place(), "f.in");
+  EXPECT_EQ(findings.errors()[5].where(), "d");
 }
 
 }  // namespace

@@ -41,8 +41,8 @@ class Letters {
 };
 
 // What a message begins with where a form doesn't name the program that speaks.
-constexpr std::array<View, 5> kBeginnings{u"undefined ref", u"multiple def", u"more undef", u"relocation",
-                                          u"required from"};
+constexpr std::array<View, 6> kBeginnings{u"undefined ref", u"multiple def",  u"more undef",
+                                          u"relocation",    u"required from", u"*** "};
 
 constexpr Letters kFirstLetters = [] {
   Letters letters;
@@ -63,14 +63,21 @@ bool isProgram(View name) {
          (isOneOf(name, kSilentPrograms) || isOneOf(name, kPrograms));
 }
 
+View withoutBlanks(View line) {
+  while (line.starts_with(u' ')) line.remove_prefix(1);
+  return line;
+}
+
 // Whether a message may begin behind the colon.
 bool mayBegin(View behind) {
-  while (behind.starts_with(u' ')) behind.remove_prefix(1);
+  behind = withoutBlanks(behind);
   if (behind.empty() || !kFirstLetters.contain(behind.front())) return false;
+  const auto isIt = [&](View one) { return behind.front() == one.front() && behind.starts_with(one); };
   return std::any_of(kWords.begin(), kWords.end(),
-                     [&](const Word& one) { return behind.starts_with(one.text); }) ||
-         std::any_of(kBeginnings.begin(), kBeginnings.end(),
-                     [&](View one) { return behind.starts_with(one); });
+                     [&](const Word& one) {
+                       return isIt(one.text) && behind.substr(one.text.size()).starts_with(u':');
+                     }) ||
+         std::any_of(kBeginnings.begin(), kBeginnings.end(), isIt);
 }
 
 // Whether any form can fit.
@@ -78,22 +85,35 @@ bool worthALook(View line) {
   std::size_t colon = line.find(u':');
   const View head = line.substr(0, colon);
   if (isProgram(head) || isScript(head)) return true;
-  if (head.ends_with(u']') || line.starts_with(u"In file") || line.starts_with(u"      ")) return true;
-  if (mayBegin(head)) return true;
+  if (withoutBlanks(line).starts_with(line.front() == u' ' ? u"from " : u"In file")) return true;
+  if (mayBegin(line)) return true;
   for (; colon != View::npos; colon = line.find(u':', colon + 1)) {
     if (mayBegin(line.substr(colon + 1))) return true;
   }
   return false;
 }
 
+// Where the escape sequence ends that begins there: one that colours, a link around a word, or another.
+std::size_t behindEscape(View line, std::size_t at) {
+  const char16_t kind = ++at < line.size() ? line[at] : u'\0';
+  if (kind == u']') {
+    const std::size_t end = line.find_first_of(u"\a\x1b", at);
+    return end == View::npos ? line.size() : end + (line[end] == u'\a' ? 1 : 2);
+  }
+  if (kind == u'[') ++at;
+  const char16_t first = kind == u'[' ? u'@' : u'0';
+  while (at < line.size() && (line[at] < first || line[at] > u'~')) ++at;
+  return at + 1;
+}
+
 // Without the escape sequences by which tools colour their words.
 std::u16string withoutEscapes(View line) {
   std::u16string result;
-  for (std::size_t at = 0; at < line.size(); ++at) {
-    if (line[at] != u'\x1b') {
-      result += line[at];
-    } else if (at + 1 < line.size() && line[at + 1] == u'[') {
-      for (at += 2; at < line.size() && (line[at] < u'@' || line[at] > u'~');) ++at;
+  for (std::size_t at = 0; at < line.size();) {
+    if (line[at] == u'\x1b') {
+      at = behindEscape(line, at);
+    } else {
+      result += line[at++];
     }
   }
   return result;

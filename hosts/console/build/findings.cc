@@ -4,6 +4,11 @@
 
 namespace forgeyard::console {
 
+std::string Finding::where() const {
+  std::string place = diagnostic.place();
+  return place.empty() ? component : place;
+}
+
 void Findings::toolStarted() {
   consequences_.clear();
   understood_ = false;
@@ -35,7 +40,7 @@ void Findings::toolEnded(const std::string& component, const std::string& file,
 
 void Findings::keep(Finding finding) {
   std::vector<Finding>& list = finding.diagnostic.severity == Severity::Error ? errors_ : warnings_;
-  Key key{finding.diagnostic.severity, finding.diagnostic.place(), finding.diagnostic.text};
+  Key key{finding.diagnostic.severity, finding.where(), finding.diagnostic.text};
   const auto [known, isNew] = known_.try_emplace(std::move(key), list.size());
   if (isNew) {
     list.push_back(std::move(finding));

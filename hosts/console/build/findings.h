@@ -17,6 +17,9 @@ struct Finding {
   Diagnostic diagnostic;
   std::string component;  // the one whose tool said it first
   std::size_t count = 1;
+
+  // The place, or who has said it if none is known.
+  std::string where() const;
 };
 
 // The errors and warnings of a build, in the order in which they came first.

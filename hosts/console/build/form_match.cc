@@ -118,7 +118,7 @@ class Match {
       if (!fits(kind, taken)) continue;
       found_.placeEnd = end;
       if (!step(pattern, end)) continue;
-      (kind == u'p' || kind == u'q' ? found_.tool : found_.file) = narrowFromWide(taken);
+      if (kind != u'j') (kind == u'p' || kind == u'q' ? found_.tool : found_.file) = narrowFromWide(taken);
       return true;
     }
     return false;
@@ -134,7 +134,9 @@ class Match {
       case u'k':
         return isScript(taken);
       case u'b':
-        return taken.find(u' ') == taken.npos;
+        return taken.find(u' ') == taken.npos && taken.front() != u'\'';
+      case u'j':
+        return taken.ends_with(u".o") || taken.ends_with(u".obj") || taken.ends_with(u")");
       default:
         return true;
     }
@@ -148,8 +150,9 @@ class Match {
 }  // namespace
 
 bool isOneOf(View path, std::span<const View> names) {
-  return path.find(u' ') == path.npos &&
-         std::any_of(names.begin(), names.end(), [&](View name) { return endsWithName(path, name); });
+  if (path.empty()) return false;
+  const auto isIt = [&](View name) { return path.back() == name.back() && endsWithName(path, name); };
+  return std::any_of(names.begin(), names.end(), isIt) && path.find(u' ') == path.npos;
 }
 
 bool isScript(View path) {

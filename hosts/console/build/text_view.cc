@@ -68,8 +68,7 @@ void TextView::toolEnded(const ToolRun&, std::optional<std::int32_t>, std::chron
 
 void TextView::showFinding(const Finding& finding) {
   const Diagnostic& diagnostic = finding.diagnostic;
-  const std::string place = diagnostic.place();
-  const std::string where = (place.empty() ? finding.component : place) + ":";
+  const std::string where = finding.where() + ":";
   const std::string severity = std::string(word(diagnostic.severity)) + ":";
   const std::string times = finding.count == 1 ? "" : " (" + std::to_string(finding.count) + " times)";
   const bool colours = terminal_.colours;
