@@ -71,6 +71,23 @@ TEST(LineWriter, KeepsLinesForAMomentAndNoLonger) {
   EXPECT_LT(contentOf(file).size(), 200000U);
 }
 
+TEST(LineWriter, FooterIsTakenAwayForLinesUnlessOthersHaveWrittenBelowIt) {
+  const TemporaryDirectory directory;
+  const std::string file = directory.put("out");
+  const Descriptor out(::open(file.c_str(), O_WRONLY | O_CLOEXEC));
+  LineWriter writer(out.get());
+  writer.setFooter("f");
+  writer.flush();
+  writer.line(std::string_view("x"));
+  writer.flush();
+  EXPECT_EQ(contentOf(file), "\rf\x1b[K\r\x1b[Kx\n\rf\x1b[K");
+  writer.abandonFooter();
+  writer.line(std::string_view("y"));
+  writer.setFooter({});
+  writer.flush();
+  EXPECT_TRUE(contentOf(file).ends_with("\rf\x1b[Ky\n"));
+}
+
 TEST(LineWriter, TellsThatNobodyReadsAnyMore) {
   ::signal(SIGPIPE, SIG_IGN);
   Pipe pipe;

@@ -15,7 +15,7 @@ using std::chrono::milliseconds;
 using std::chrono::seconds;
 
 constexpr milliseconds kTick{1000};
-constexpr std::array kResized{SIGWINCH};
+constexpr std::array kChanges{SIGWINCH, SIGCONT};
 
 std::string spelled(seconds time) {
   const auto all = static_cast<unsigned long>(time.count());
@@ -30,22 +30,21 @@ std::string spelled(seconds time) {
 
 }  // namespace
 
-ProgressLine::ProgressLine(Session& session) : session_(session), resized_(kResized) {
+ProgressLine::ProgressLine(Session& session) : session_(session), changes_(kChanges) {
   startTimer();
   session_.loop().watch(&*timer_, [this] {
     startTimer();
     show();
   });
-  session_.loop().watch(&resized_, [this] {
-    while (resized_.take()) {
-    }
+  session_.loop().watch(&changes_, [this] {
+    takeSignals();
     // Until something was shown there is nothing to show anew.
     if (!run_.empty()) show();
   });
 }
 
 ProgressLine::~ProgressLine() {
-  session_.loop().unwatch(&resized_);
+  session_.loop().unwatch(&changes_);
   session_.loop().unwatch(&*timer_);
   session_.output().setFooter({});
 }
@@ -77,7 +76,15 @@ void ProgressLine::toolStarted(std::int32_t number, std::int32_t count, const st
   show();
 }
 
+// Who was stopped has had the shell's words written below, and may go on in the background.
+void ProgressLine::takeSignals() {
+  while (const std::optional<int> signal = changes_.take()) {
+    if (*signal == SIGCONT) session_.output().abandonFooter();
+  }
+}
+
 void ProgressLine::show() {
+  takeSignals();
   // A job in the background keeps to whole lines.
   session_.output().setFooter(isForeground() ? text(terminalWidth() - 1) : "");
 }

@@ -13,7 +13,8 @@ namespace forgeyard::console {
 class Session;
 
 // The last line of the terminal while a build is going on: what is being built, how much of it, for how long.
-// It ticks by itself, follows the width of the window, and is gone with this object. Main thread only.
+// It ticks by itself, follows the width of the window, keeps away while the job is in the background, and is
+// gone with this object. Main thread only.
 class ProgressLine {
  public:
   // Borrows the session.
@@ -30,6 +31,7 @@ class ProgressLine {
   using Clock = std::chrono::steady_clock;
 
   void startTimer();
+  void takeSignals();
   void show();
   std::string text(std::size_t columns) const;
 
@@ -39,7 +41,7 @@ class ProgressLine {
   std::string run_;        // which one of how many, "[3/12] "; empty until a tool has started
   std::string file_;
   std::optional<Timer> timer_;
-  SignalHandle resized_;
+  SignalHandle changes_;  // of the window, and whether this job has it
 };
 
 }  // namespace forgeyard::console

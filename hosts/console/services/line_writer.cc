@@ -150,6 +150,12 @@ void LineWriter::hideFooter() {
   writeOut();
 }
 
+void LineWriter::abandonFooter() {
+  if (!footerShown_) return;
+  footerShown_ = false;
+  footerWaits_ = true;
+}
+
 void LineWriter::eraseFooter() {
   footerShown_ = false;
   footerWaits_ = !footer_.empty();

@@ -49,6 +49,8 @@ class LineWriter {
   void setFooter(std::string text);
   // Takes the footer away, until the next flush, so that others can write to the terminal.
   void hideFooter();
+  // Others have written below the footer: where it stands it is theirs. With the next flush it is shown anew.
+  void abandonFooter();
 
   // How long the lines that wait may go on waiting: zero on a terminal; nothing waits: negative, for ever.
   std::chrono::milliseconds dueIn() const;
