@@ -80,6 +80,9 @@ TEST_F(Doctor, TellsWhatIsBroken) {
       {"FORGEYARD_RUNTIME_DIR=" + path("open"), 1, "can be written by other users"},
       {"FORGEYARD_RUNTIME_DIR=" + path("a/b"), 1, path("a/b") + " is not there and can't be made"},
       {"FORGEYARD_RUNTIME_DIR=" + path("b"), 0, path("b") + ": not there yet; the next build makes it"},
+      {"FORGEYARD_RUNTIME_DIR=c", 0, "warning  runtime    c is relative"},
+      {"FORGEYARD_RUNTIME_DIR=c", 0, "c: not there yet; the next build makes it"},
+      {"FORGEYARD_REGISTRY=r", 0, "warning  registry   r is relative"},
       {"FORGEYARD_WORKSPACE=" + path("open"), 0,
        "warning  workspace  " + path("open") + " is no regular file"},
   };

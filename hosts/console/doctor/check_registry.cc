@@ -123,6 +123,13 @@ void checkDrives(const Registry& registry, Findings& findings) {
 
 }  // namespace
 
+void checkAbsolute(const std::string& subject, const std::string& path, const std::string& variables,
+                   Findings& findings) {
+  if (fs::path(path).is_absolute()) return;
+  findings.warning(subject, path + " is relative: it is another one in every directory",
+                   "Set " + variables + " to an absolute path.");
+}
+
 bool canBeMade(const std::string& file) {
   std::error_code error;
   fs::path directory = fs::absolute(file, error).parent_path();
@@ -138,6 +145,7 @@ Registry checkRegistry(Findings& findings) {
     findings.problem(kSubject, "There is no place for it",
                      "Set HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY.");
   } else {
+    checkAbsolute(kSubject, file, "HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY", findings);
     registry = Registry::load(file, &error);
     if (error) {
       checkUnreadable(*error, findings);

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <system_error>
 
 #include "hosts/console/base/failure.h"
@@ -94,15 +95,14 @@ void checkProject(const Options& options, Findings& findings) {
 void checkRuntimeDirectory(Findings& findings) {
   constexpr const char* kSubject = "runtime";
   const std::string directory = runtimeDirectoryName();
+  checkAbsolute(kSubject, directory, "FORGEYARD_RUNTIME_DIR or XDG_RUNTIME_DIR", findings);
   if (::access(directory.c_str(), F_OK) != 0 && errno == ENOENT) {
     // Only its last part is made by itself.
-    const std::string parent = directory.substr(0, directory.rfind('/'));
-    if (::access(parent.empty() ? "/" : parent.c_str(), W_OK | X_OK) == 0)
+    const std::string parent = std::filesystem::absolute(directory).parent_path().string();
+    if (::access(parent.c_str(), W_OK | X_OK) == 0)
       return findings.ok(kSubject, directory + ": not there yet; the next build makes it");
     return findings.problem(kSubject, directory + " is not there and can't be made",
-                            "Make " + parent +
-                                " writable, or name another directory with "
-                                "FORGEYARD_RUNTIME_DIR.");
+                            "Make " + parent + " writable, or name another with FORGEYARD_RUNTIME_DIR.");
   }
   try {
     requireOwnRuntimeDirectory(directory);

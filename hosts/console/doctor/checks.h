@@ -26,6 +26,10 @@ void checkRuntimeDirectory(Findings& findings);
 // The workspace, and the project that a command would work on: readable, writable, and who has it.
 void checkFiles(const Options& options, Findings& findings);
 
+// Warns of a path that means another file in every directory.
+void checkAbsolute(const std::string& subject, const std::string& path, const std::string& variables,
+                   Findings& findings);
+
 // Whether the file can be made: the nearest directory above it that exists can be written.
 bool canBeMade(const std::string& file);
 
