@@ -1,6 +1,7 @@
 // What can be wrong with a command line itself, and the help.
 
 #include "hosts/console/commands/all_commands.h"
+#include "hosts/console/usage/examples.h"
 #include "tests/console/console_sandbox.h"
 
 namespace forgeyard::console {
@@ -29,6 +30,11 @@ TEST_F(Usage, HelpIsThereOnEveryLevelAndNamesWhatTheCommandTakes) {
     line.emplace_back("--help");
     const std::string help = shown(line);
     EXPECT_THAT(help, HasSubstr(command->help));
+    for (const Example& example : examples()) {
+      if (example.word.empty()) continue;  // some stand among those of a command as well
+      const bool there = help.find("\n  " + std::string(example.line) + "\n") != help.npos;
+      EXPECT_EQ(there, shows(example, command->name)) << example.line;
+    }
     for (const Parameter& parameter : command->parameters) EXPECT_THAT(help, HasSubstr(parameter.name));
   }
   EXPECT_FALSE(exists("../registry")) << "help needs no registry";

@@ -14,41 +14,39 @@ constexpr std::array kGroups{
     CommandGroup{"export", "Files for other build systems and tools"},
 };
 
-// In the order of --help, one a line.
-constexpr std::span<const Command> (*kFamilies[])() = {
-    // clang-format off
-    projectCommands,
-    importCommands,
-    exportCommands,
-    componentCommands,
-    connectionCommands,
-    fileCommands,
-    configurationCommands,
-    propertyCommands,
-    workspaceCommands,
-    targetCommands,
-    buildCommands,
-    watchCommands,
-    planCommands,
-    graphCommands,
-    dumpCommands,
-    restoreCommands,
-    mergeCommands,
-    automationCommands,
-    moduleCommands,
-    doctorCommands,
-    usageCommands,
-    // clang-format on
+constexpr const char* kProjects = "Commands for projects";
+constexpr const char* kBuilds = "Commands for builds";
+constexpr const char* kLooks = "Commands that show how a project stands";
+constexpr const char* kText = "Commands for text and exchange";
+constexpr const char* kPrograms = "Commands for scripts and programs";
+constexpr const char* kInstallation = "Commands for the installation and its help";
+
+constexpr std::array kFamilies{
+    CommandFamily{kProjects, projectCommands},    CommandFamily{kProjects, importCommands},
+    CommandFamily{kProjects, componentCommands},  CommandFamily{kProjects, connectionCommands},
+    CommandFamily{kProjects, fileCommands},       CommandFamily{kProjects, configurationCommands},
+    CommandFamily{kProjects, propertyCommands},   CommandFamily{kProjects, workspaceCommands},
+    CommandFamily{kBuilds, buildCommands},        CommandFamily{kBuilds, watchCommands},
+    CommandFamily{kBuilds, targetCommands},       CommandFamily{kLooks, planCommands},
+    CommandFamily{kLooks, graphCommands},         CommandFamily{kText, dumpCommands},
+    CommandFamily{kText, restoreCommands},        CommandFamily{kText, mergeCommands},
+    CommandFamily{kText, exportCommands},         CommandFamily{kPrograms, automationCommands},
+    CommandFamily{kInstallation, doctorCommands}, CommandFamily{kInstallation, moduleCommands},
+    CommandFamily{kInstallation, usageCommands},
 };
 
 }  // namespace
 
 std::vector<const Command*> allCommands() {
   std::vector<const Command*> all;
-  for (const auto& family : kFamilies) {
-    for (const Command& command : family()) all.push_back(&command);
+  for (const CommandFamily& family : kFamilies) {
+    for (const Command& command : family.commands()) all.push_back(&command);
   }
   return all;
+}
+
+std::span<const CommandFamily> commandFamilies() {
+  return kFamilies;
 }
 
 std::span<const CommandGroup> commandGroups() {

@@ -9,6 +9,8 @@ namespace forgeyard::console {
 
 // Every command, in the order of the help.
 std::vector<const Command*> allCommands();
+// Where they come from, those of one heading together.
+std::span<const CommandFamily> commandFamilies();
 std::span<const CommandGroup> commandGroups();
 
 // The parts of a command's name, which has one word or two.

@@ -91,6 +91,12 @@ struct CommandGroup {
   const char* help;
 };
 
+// The commands of one file, below a heading that neighbours may share.
+struct CommandFamily {
+  const char* heading;
+  std::span<const Command> (*commands)();
+};
+
 // Each family of commands is one file in this directory.
 std::span<const Command> projectCommands();
 std::span<const Command> componentCommands();

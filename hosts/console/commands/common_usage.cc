@@ -1,5 +1,7 @@
 #include "hosts/console/commands/common_usage.h"
 
+#include <algorithm>
+
 namespace forgeyard::console {
 
 namespace {
@@ -69,6 +71,13 @@ constexpr std::array kFiles{
 std::span<const GlobalOption> globalOptions() {
   return kOptions;
 }
+
+const GlobalOption* globalOption(std::string_view form) {
+  const auto found = std::find_if(kOptions.begin(), kOptions.end(),
+                                  [&](const GlobalOption& option) { return isFormOf(form, option.row); });
+  return found == kOptions.end() ? nullptr : &*found;
+}
+
 std::span<const UsageNote> exitCodes() {
   return kExitCodes;
 }
@@ -87,6 +96,10 @@ std::string_view shortForm(std::string_view name) {
 std::string_view longForm(std::string_view name) {
   const std::size_t comma = name.find(',');
   return comma == name.npos ? name : name.substr(comma + 1);
+}
+
+bool isFormOf(std::string_view form, const Parameter& option) {
+  return !form.empty() && (form == shortForm(option.name) || form == longForm(option.name));
 }
 
 }  // namespace forgeyard::console

@@ -18,6 +18,9 @@ struct GlobalOption {
 
 std::span<const GlobalOption> globalOptions();
 
+// The one that has this form; null for none.
+const GlobalOption* globalOption(std::string_view form);
+
 // A row of what the whole program has in common: an exit code, a variable of the environment, a file.
 struct UsageNote {
   const char* name;
@@ -31,5 +34,6 @@ std::span<const UsageNote> usedFiles();
 // The forms of an option's name: "-p" and "--project" of "-p,--project"; the short one may be empty.
 std::string_view shortForm(std::string_view name);
 std::string_view longForm(std::string_view name);
+bool isFormOf(std::string_view form, const Parameter& option);
 
 }  // namespace forgeyard::console

@@ -14,4 +14,7 @@ struct Example {
 
 std::span<const Example> examples();
 
+// Whether an example is of that command, of one word or two, or of that first word.
+bool shows(const Example& example, std::string_view name);
+
 }  // namespace forgeyard::console

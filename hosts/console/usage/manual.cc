@@ -91,6 +91,9 @@ class Page {
                    [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
     line(".TH \"" + flat(title) +
          "\" 1 \"" FORGEYARD_DATE "\" \"Forgeyard " FORGEYARD_VERSION "\" \"Forgeyard Manual\"");
+    // A name that is divided can't be copied from the page.
+    line(".nh");
+    line(".ad l");
     section("NAME");
     line(flat(name) + " \\- " + flat(purpose));
   }
@@ -189,8 +192,13 @@ std::string mainPage() {
       "A project of source files, tools and the connections between them is kept in one file. A build runs "
       "what is out of date, tool by tool.");
   page.section("COMMANDS");
-  for (const Command* command : allCommands()) {
-    if (!command->hidden) page.item(bold(command->name), flat(command->help) + ".");
+  const char* heading = "";
+  for (const CommandFamily& family : commandFamilies()) {
+    if (std::string_view(family.heading) != std::exchange(heading, family.heading))
+      page.line(".SS " + flat(family.heading));
+    for (const Command& command : family.commands()) {
+      if (!command.hidden) page.item(bold(command.name), flat(command.help) + ".");
+    }
   }
   addGlobalOptions(page);
   page.notes("EXIT STATUS", exitCodes());

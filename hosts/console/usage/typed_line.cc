@@ -112,12 +112,8 @@ void TypedLine::look(const std::string& current) {
 }
 
 const Parameter* TypedLine::optionRow(std::string_view form) const {
-  const auto isForm = [&](const Parameter& row) {
-    return isOption(row) && (form == shortForm(row.name) || form == longForm(row.name));
-  };
-  for (const GlobalOption& option : globalOptions()) {
-    if (isForm(option.row)) return &option.row;
-  }
+  const auto isForm = [&](const Parameter& row) { return isOption(row) && isFormOf(form, row); };
+  if (const GlobalOption* option = globalOption(form)) return &option->row;
   if (!command_) return nullptr;
   const auto found = std::find_if(command_->parameters.begin(), command_->parameters.end(), isForm);
   return found == command_->parameters.end() ? nullptr : &*found;

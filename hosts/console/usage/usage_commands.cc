@@ -1,7 +1,7 @@
 // completion with its inner part, complete, and man: what shells need of the tables of commands.
 
-#include <fstream>
-
+#include "adapters/common/diagnostics.h"
+#include "adapters/common/whole_file.h"
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/standard_output.h"
@@ -80,10 +80,8 @@ ExitCode answerShell(const Invocation& invocation) {
 
 void writePage(const std::string& directory, const std::string& page) {
   const std::string file = directory + "/" + page + ".1";
-  std::ofstream out(file, std::ios::binary);
-  out << manualPage(page);
-  out.close();
-  if (!out) throw Failure(file + " can't be written.");
+  if (const int error = replaceFile(file, manualPage(page)); error != 0)
+    throw Failure(file + " can't be written: " + errorWords(error) + ".");
 }
 
 std::string requiredPage(const std::string& word) {
