@@ -66,6 +66,17 @@ void addConfiguration(Json& project, const std::string& name) {
     one["settings"].push_back(entry);
   }
 }
+void renameConfiguration(Json& project, const std::string& name, const std::string& now) {
+  if (project["active"] == name) project["active"] = now;
+  for (Json& one : project["configurations"]) {
+    if (one["Name"] == name) one["Name"] = now;
+  }
+  for (Json& one : project["components"]) {
+    for (Json& entry : one["settings"]) {
+      if (entry["configuration"] == name) entry["configuration"] = now;
+    }
+  }
+}
 void connect(Json& project, int from, int to) {
   project["connections"].push_back({{"from", from}, {"to", to}});
 }
@@ -81,6 +92,11 @@ void moveFile(Json& project, const std::string& from, std::size_t number, const 
   component(project, to)["files"].push_back(moved);
 }
 
+const Edit emptySource = [](Json& p) {
+  moveFile(p, "src", 0, "inc");
+  moveFile(p, "src", 0, "inc");
+  removeComponent(p, "src");
+};
 const Edit nothing = [](Json&) {};
 
 struct Case {
@@ -245,7 +261,18 @@ TEST_F(Merge, EachKindOfChange) {
        {"Conflict: file \".\\\\a.c\", folder\n  base:   component \"src\"\n  ours:   component \"one\" "
         "(kept)\n"}},
       {"a new file in a folder that ours has removed", [](Json& p) { removeComponent(p, "inc"); },
-       [](Json& p) { addFile(p, "inc", "new.h"); }, nothing, conflictIn("component \"inc\"")},
+       [](Json& p) { addFile(p, "inc", "new.h"); }, nothing, conflictIn(R"(file ".\\new.h")")},
+      {"a file that has moved to a folder that ours has removed",
+       [](Json& p) {
+         removeComponent(p, "inc");
+         component(p, "src")["files"].erase(1);
+       },
+       [](Json& p) { moveFile(p, "src", 0, "inc"); }, nothing, conflictIn(R"(file ".\\a.c")")},
+      {"a changed file of a folder that theirs has emptied and removed",
+       [](Json& p) { file(p, "src", 0)["ManualDeps"] = {"x.h"}; },
+       emptySource,
+       emptySource,
+       {}},
       {"dependencies that builds have found",
        [](Json& p) {
          file(p, "src", 0)["AutomaticDeps"] = {"a.h", "b.h"};
@@ -298,6 +325,24 @@ TEST_F(Merge, EachKindOfChange) {
          p["active"] = "Default";
        },
        {}},
+      {"another name of a configuration and a new component",
+       [](Json& p) { renameConfiguration(p, "Default", "New"); },
+       [](Json& p) {
+         addComponent(p, "cc", "more", 4);
+         settings(p, "more")["Options"] = "-x";
+       },
+       [](Json& p) {
+         addComponent(p, "cc", "more", 4);
+         settings(p, "more", "New")["Options"] = "-x";
+         settings(p, "more", "New").swap(settings(p, "more", "Small"));
+       },
+       {}},
+      {"different configurations removed, all together",
+       [](Json& p) {
+         removeConfiguration(p, "Default");
+         p["active"] = "Small";
+       },
+       [](Json& p) { removeConfiguration(p, "Small"); }, nothing, conflictIn("configuration \"Small\"")},
       {"an order and an addition",
        [](Json& p) { std::swap(file(p, "src", 0), file(p, "src", 1)); },
        [](Json& p) { addFile(p, "src", "new.c"); },

@@ -4,7 +4,7 @@
 #include <set>
 
 #include "hosts/console/merge/aligned_projects.h"
-#include "hosts/console/merge/merge_values.h"
+#include "hosts/console/merge/node_lists.h"
 
 namespace forgeyard::console {
 
@@ -29,15 +29,9 @@ class Assembly {
   }
 
  private:
-  static const RecordNode* componentOf(const RecordNode& project, std::int64_t id) {
-    const List& components = itemsOf(project, "components");
-    const auto found = std::find_if(components.begin(), components.end(),
-                                    [&](const RecordNode& one) { return numberOf(one, "Id") == id; });
-    return found == components.end() ? nullptr : &*found;
-  }
-  RecordNode* component(std::int64_t id) { return const_cast<RecordNode*>(componentOf(project_, id)); }
+  RecordNode* component(std::int64_t id) { return const_cast<RecordNode*>(componentWithId(project_, id)); }
   std::string nameOf(std::int64_t id) const {
-    const RecordNode* found = componentOf(project_, id);
+    const RecordNode* found = componentWithId(project_, id);
     return found ? labelOf("components", *found) : "component " + std::to_string(id);
   }
 
@@ -45,16 +39,24 @@ class Assembly {
     RecordNode files = *project_.find("files");
     std::erase_if(*project_.get<Fields>(), [](const RecordField& field) { return field.name == "files"; });
     for (RecordNode& file : *files.get<List>()) {
-      RecordNode* folder = component(numberOf(file, "folder"));
-      RecordNode* list = folder ? folder->find("files") : nullptr;
+      RecordNode* list = filesOf(numberOf(file, "folder"));
+      if (!list) {
+        // Ours, which has removed the folder that theirs has moved it to, may have it elsewhere.
+        const RecordNode* ours = itemNamed(sides_.ours, "files", "key", textOf(file, "key"));
+        list = ours ? filesOf(numberOf(*ours, "folder")) : nullptr;
+        log_.conflicts.push_back({labelOf("files", file), ours ? "(present)" : "(none)",
+                                  "(its folder is removed)", ours ? "(moved)" : "(added)"});
+      }
+      if (!list) continue;
       std::erase_if(*file.get<Fields>(),
                     [](const RecordField& field) { return field.name == "key" || field.name == "folder"; });
-      if (list) {
-        list->get<List>()->push_back(std::move(file));
-      } else {
-        log_.conflicts.push_back({labelOf("files", file), "", "its folder is removed", "(added)"});
-      }
+      list->get<List>()->push_back(std::move(file));
     }
+  }
+
+  RecordNode* filesOf(std::int64_t folder) {
+    RecordNode* found = component(folder);
+    return found ? found->find("files") : nullptr;
   }
 
   // Two that are right on their sides may close a circle together, which nothing can build.
@@ -104,11 +106,15 @@ class Assembly {
     for (RecordNode& one : *project_.find("components")->get<List>()) {
       RecordNode* settings = one.find("settings");
       if (!settings || settings->get<List>()->empty()) continue;
+      const List known = *settings->get<List>();
       for (const RecordNode& configuration : itemsOf(project_, "configurations")) {
         const std::string name = textOf(configuration, "Name");
-        if (!has(*settings->get<List>(), name) && !lacksItAlready(numberOf(one, "Id"), name))
-          addSettings(one, *settings->get<List>(), name);
+        if (!has(known, name) && !lacksItAlready(numberOf(one, "Id"), name))
+          addSettings(one, *settings->get<List>(), modelOf(known), name);
       }
+      if (componentWithId(sides_.base, numberOf(one, "Id"))) continue;
+      eraseItems(one, "settings",
+                 [&](const RecordNode& entry) { return !isConfiguration(textOf(entry, "configuration")); });
     }
   }
 
@@ -116,20 +122,28 @@ class Assembly {
     return std::any_of(settings.begin(), settings.end(),
                        [&](const RecordNode& entry) { return textOf(entry, "configuration") == name; });
   }
+  bool isConfiguration(const std::string& name) const {
+    return itemNamed(project_, "configurations", "Name", name);
+  }
+  // Those of a removed configuration, which may have got another name, else the first.
+  const RecordNode& modelOf(const List& settings) const {
+    const auto removed = std::find_if(settings.begin(), settings.end(), [&](const RecordNode& entry) {
+      return !isConfiguration(textOf(entry, "configuration"));
+    });
+    return removed == settings.end() ? settings.front() : *removed;
+  }
 
   // On a side that knows both.
   bool lacksItAlready(std::int64_t id, const std::string& name) const {
     return knowsBoth(sides_.ours, id, name) || knowsBoth(sides_.theirs, id, name);
   }
   static bool knowsBoth(const RecordNode& side, std::int64_t id, const std::string& name) {
-    const List& configurations = itemsOf(side, "configurations");
-    return componentOf(side, id) &&
-           std::any_of(configurations.begin(), configurations.end(),
-                       [&](const RecordNode& one) { return textOf(one, "Name") == name; });
+    return componentWithId(side, id) && itemNamed(side, "configurations", "Name", name);
   }
 
-  void addSettings(const RecordNode& owner, List& settings, const std::string& name) {
-    RecordNode entry = settings.front();
+  void addSettings(const RecordNode& owner, List& settings, const RecordNode& model,
+                   const std::string& name) {
+    RecordNode entry = model;
     const std::string from = textOf(entry, "configuration");
     *entry.find("configuration") = {BString::fromNarrow(name)};
     if (RecordNode* dirty = entry.find("BuildDirty")) *dirty->get<std::int64_t>() = 1;
@@ -147,7 +161,7 @@ class Assembly {
     };
     for (RecordNode& one : components) {
       const std::string name = textOf(one, "Name");
-      const RecordNode* inOurs = componentOf(sides_.ours, numberOf(one, "Id"));
+      const RecordNode* inOurs = componentWithId(sides_.ours, numberOf(one, "Id"));
       const bool isOurs = inOurs && textOf(*inOurs, "Name") == name;
       if (isOurs || std::count_if(components.begin(), components.end(), isNamed(name)) < 2) continue;
       std::string free;
@@ -167,13 +181,9 @@ class Assembly {
   void settleActive() {
     RecordNode* active = project_.find("active");
     const List& configurations = itemsOf(project_, "configurations");
-    const auto stands = [&](const std::string& name) {
-      return std::any_of(configurations.begin(), configurations.end(),
-                         [&](const RecordNode& one) { return textOf(one, "Name") == name; });
-    };
-    if (!active || configurations.empty() || stands(textOf(project_, "active"))) return;
+    if (!active || configurations.empty() || isConfiguration(textOf(project_, "active"))) return;
     for (const RecordNode* side : {&sides_.ours, &sides_.theirs}) {
-      if (stands(textOf(*side, "active"))) {
+      if (isConfiguration(textOf(*side, "active"))) {
         *active = *side->find("active");
         return;
       }
