@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <set>
 
+#include "hosts/console/merge/merged_order.h"
 #include "hosts/console/text/json_writer.h"
 
 namespace forgeyard::console {
@@ -13,7 +13,6 @@ namespace {
 
 using Fields = RecordNode::Fields;
 using List = RecordNode::List;
-using Keys = std::vector<std::string>;
 
 // Lists of records with what tells their items apart and what an item is called.
 struct RecordList {
@@ -98,51 +97,6 @@ Keys keysOf(std::string_view name, const RecordNode* list) {
     keys.push_back(times == 0 ? key : key + "\n" + std::to_string(times));
   }
   return keys;
-}
-
-bool has(const Keys& keys, const std::string& key) {
-  return std::find(keys.begin(), keys.end(), key) != keys.end();
-}
-
-Keys only(const Keys& keys, const std::set<std::string>& wanted) {
-  Keys result;
-  std::copy_if(keys.begin(), keys.end(), std::back_inserter(result),
-               [&](const std::string& key) { return wanted.contains(key); });
-  return result;
-}
-
-// The keys of both: `first` in its order, and what only `second` has behind what it follows there, or at the
-// end if it stands there. What both have added in one place comes in the order of the sides.
-Keys combined(const Keys& first, const Keys& second, bool firstIsOurs) {
-  Keys result = first;
-  const std::set<std::string> inFirst(first.begin(), first.end());
-  const std::set<std::string> inSecond(second.begin(), second.end());
-  const auto lastShared = std::find_if(second.rbegin(), second.rend(),
-                                       [&](const std::string& key) { return inFirst.contains(key); });
-  const auto trailing = static_cast<std::size_t>(second.rend() - lastShared);
-  for (std::size_t i = 0; i < second.size(); ++i) {
-    if (inFirst.contains(second[i])) continue;
-    auto place = i == 0 ? result.begin() : std::find(result.begin(), result.end(), second[i - 1]) + 1;
-    if (i >= trailing) {
-      place = result.end();
-      while (!firstIsOurs && place != result.begin() && !inSecond.contains(*(place - 1))) --place;
-    } else if (firstIsOurs) {
-      while (place != result.end() && !inSecond.contains(*place)) ++place;
-    }
-    result.insert(place, second[i]);
-  }
-  return result;
-}
-
-Keys mergedOrder(const Keys& base, const Keys& ours, const Keys& theirs) {
-  const std::set<std::string> inOurs(ours.begin(), ours.end());
-  const std::set<std::string> inTheirs(theirs.begin(), theirs.end());
-  std::set<std::string> everywhere;
-  for (const std::string& key : base) {
-    if (inOurs.contains(key) && inTheirs.contains(key)) everywhere.insert(key);
-  }
-  const bool oursMoved = only(ours, everywhere) != only(base, everywhere);
-  return oursMoved ? combined(ours, theirs, true) : combined(theirs, ours, false);
 }
 
 class ListMerger {
@@ -233,7 +187,7 @@ RecordNode mergedFields(const Sides& sides, const std::string& where, MergeLog& 
   std::vector<std::string> names;
   for (const RecordNode* side : {sides.ours, sides.theirs}) {
     for (const RecordField& field : *side->get<Fields>()) {
-      if (!has(names, field.name)) names.push_back(field.name);
+      if (std::find(names.begin(), names.end(), field.name) == names.end()) names.push_back(field.name);
     }
   }
   for (const std::string& name : names) {
