@@ -46,8 +46,10 @@ HRESULT CWorkspaceLO::Load(IStream* stream) {
     TextPairs pairs;
     const std::uint32_t version = record.u32();
     if (version == 0) return;
-    LoadFields(record).pairs(u"cookies", pairs, true);
+    // What stands before damage counts.
+    const HRESULT status = guard([&] { LoadFields(record).pairs(u"cookies", pairs, true); });
     cookies_.assign(pairs);
+    check(status);
   });
 }
 

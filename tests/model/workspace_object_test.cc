@@ -61,6 +61,12 @@ TEST_F(WorkspaceObjectTest, CookiesAreReadAndNotWritten) {
   EXPECT_EQ(workspace->get_Cookie(u"Name", &value), S_OK);
   EXPECT_EQ(value, BString(u"value"));
 
+  stored->bytes[4] = 2;  // one that isn't there
+  stored->position = 0;
+  const auto damaged = make<CWorkspaceLO>();
+  EXPECT_TRUE(failed(damaged->Load(stored.get())));
+  EXPECT_EQ(damaged->get_Cookie(u"Name", &value), S_OK) << "the cookies before the damage count";
+
   const auto written = make<MemoryStream>();
   check(workspace->Save(written.get(), true));
   EXPECT_EQ(written->bytes, std::string(4, '\0'));
