@@ -9,7 +9,6 @@ build  ninja-build               runs the build
 build  ccache                    compiles nothing twice
 build  libcli11-dev              command line of the hosts
 build  nlohmann-json3-dev        JSON output of the hosts, reference data in tests
-build  libfmt-dev                texts of the hosts
 build  liblua5.4-dev             language of the console host's scripts
 build  libgtest-dev              tests
 build  libgmock-dev              tests

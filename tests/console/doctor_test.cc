@@ -48,8 +48,8 @@ TEST_F(Doctor, TellsWhatIsBroken) {
   const std::string registry = content("../registry");
   must({"target", "add", "board", "--compiler", "gnu-cc vax-linux-gnu-gcc"});
   must({"target", "add", "odd", "--assembler", "my-as -x"});
-  put("../registry", content("../registry") +
-                         "nonsense\n[HKEY_CURRENT_USER\\Software\\Korvel\\Build Tool\\Drives]\n"
+  put("../registry", content("../registry") + "nonsense\n\x1b[2J" + std::string(100, 'x') +
+                         "\n[HKEY_CURRENT_USER\\Software\\Korvel\\Build Tool\\Drives]\n"
                          "C:=/no/such\n");
   put("mangled", "[HKEY_CURRENT_USER\\Software\\Korvel]\nHome=Q:\\nowhere\n");
   put("file", "");
@@ -62,6 +62,7 @@ TEST_F(Doctor, TellsWhatIsBroken) {
     std::string words;
   } table[] = {
       {"", 0, ": \"nonsense\" is not understood\n"},
+      {"", 0, ": \"?[2J" + std::string(56, 'x') + "...\" is not understood\n"},
       {"", 0, "warning  drive      C: is /no/such, which is no directory\n"},
       {"", 0,
        "warning  target     board, compiler: gnu-cc vax-linux-gnu-gcc: vax-linux-gnu-gcc is not "

@@ -7,6 +7,7 @@
 #include "hosts/console/doctor/checks.h"
 #include "hosts/console/services/json_lines.h"
 #include "hosts/console/services/standard_output.h"
+#include "hosts/console/services/terminal.h"
 
 namespace forgeyard::console {
 
@@ -21,10 +22,11 @@ std::string padded(std::string text, std::size_t width) {
 }
 
 void show(LineWriter& out, const Finding& finding) {
+  // Names and lines of files may hold anything.
   out.line(padded(toText(finding.state), kStateWidth) + padded(finding.subject, kSubjectWidth) +
-           finding.text);
+           printable(finding.text));
   if (!finding.advice.empty())
-    out.line(std::string(kStateWidth + kSubjectWidth, ' ') + "-> " + finding.advice);
+    out.line(std::string(kStateWidth + kSubjectWidth, ' ') + "-> " + printable(finding.advice));
 }
 
 void showObject(LineWriter& out, const Finding& finding) {

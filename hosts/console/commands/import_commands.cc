@@ -10,6 +10,7 @@
 #include "hosts/console/import/database_import.h"
 #include "hosts/console/import/project_maker.h"
 #include "hosts/console/import/tree_import.h"
+#include "hosts/console/services/terminal.h"
 #include "platform/files/host_location.h"
 
 namespace forgeyard::console {

@@ -20,6 +20,7 @@ using namespace registry_keys;
 
 constexpr const char* kSubject = "registry";
 constexpr std::size_t kMostLines = 5;
+constexpr std::size_t kMostBytes = 60;  // of one of them
 
 bool isBlankOrComment(std::string_view line) {
   const std::size_t start = line.find_first_not_of(" \t\r\n");
@@ -44,7 +45,9 @@ void checkLines(const std::string& file, const std::string& text, Findings& find
     ++number;
     if (isUnderstood(raw) || ++told > kMostLines) continue;
     std::string what = file + ":" + std::to_string(number) + ": \"";
-    what.append(raw.substr(0, raw.find_last_not_of("\r\n") + 1)).append("\" is not understood");
+    const std::string_view line = raw.substr(0, raw.find_last_not_of("\r\n") + 1);
+    what.append(line.substr(0, kMostBytes)).append(line.size() > kMostBytes ? "..." : "");
+    what += "\" is not understood";
     findings.warning(kSubject, what, "Write [KEY], NAME=TEXT or ; COMMENT, or take the line out.");
   }
   if (told > kMostLines)

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "hosts/console/base/nearest.h"
+#include "hosts/console/services/terminal.h"
 
 namespace forgeyard::console {
 
@@ -10,16 +11,7 @@ namespace {
 
 constexpr std::size_t kNamed = 8;
 
-bool isControl(char c) {
-  return static_cast<unsigned char>(c) < 0x20 || c == 0x7F;
-}
-
 }  // namespace
-
-std::string printable(std::string text) {
-  std::replace_if(text.begin(), text.end(), isControl, '?');
-  return text;
-}
 
 void Notes::add(const std::string& remark, const std::string& what) {
   auto found = std::find_if(remarks_.begin(), remarks_.end(),

@@ -25,7 +25,4 @@ class Notes {
   std::vector<Remark> remarks_;
 };
 
-// The text for a terminal: what could move its cursor is shown as "?".
-std::string printable(std::string text);
-
 }  // namespace forgeyard::console
