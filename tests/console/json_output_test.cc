@@ -36,6 +36,9 @@ TEST_F(JsonOutput, LinesAndFailuresOfEveryCommandAreObjects) {
       {{"typelib", "IProject"}, "line", "text", "interface IProject", 0},
       {{"--help"}, "line", "text", "Usage: ", 0},
       {{"build", "--help"}, "line", "text", "Run what is out of date", 0},
+      {{"completion", "bash"}, "line", "text", "complete -F _forgeyard forgeyard", 0},
+      {{"man", "build"}, "line", "text", ".SH NAME", 0},
+      {{"export", "make", "--output", "-"}, "line", "text", "all:", 0},
       {{"build", "-v"}, "message", "text", "Module ", 0},
       {{"get", "cc", "Nope"}, "error", "message", "Nope", 2},
       {{"-p", "other.nqp", "get", "cc"}, "error", "message", "other.nqp", 2},
@@ -134,6 +137,16 @@ TEST_F(JsonOutput, BuildTellsWhatHappensInOrder) {
   EXPECT_EQ(
       result,
       (Json{{"type", "build_end"}, {"result", "ERRORS"}, {"errors", 2}, {"warnings", 0}, {"tools", 2}}));
+}
+
+TEST_F(JsonOutput, FailureWithoutAWordIsADiagnosticToo) {
+  makeToolProject({"1.in"}, scriptedTool() + " exit 5");
+  EXPECT_THAT(ofType(told({"build"}), "diagnostic"),
+              testing::ElementsAre(Json{{"type", "diagnostic"},
+                                        {"severity", "error"},
+                                        {"file", "1.in"},
+                                        {"text", "\"tool\" ended with exit code 5"},
+                                        {"component", "tool"}}));
 }
 
 TEST_F(JsonOutput, StoppedBuildTellsItsEndToo) {

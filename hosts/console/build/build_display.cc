@@ -107,7 +107,8 @@ void BuildDisplay::toolStarted(const ToolRun& run) {
 
 void BuildDisplay::toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode) {
   toolRuns_ = false;
-  findings_.toolEnded(component_, fileOf(run), exitCode);
+  if (const auto failure = findings_.toolEnded(component_, fileOf(run), exitCode))
+    view_->toolFailed(*failure);
   view_->toolEnded(run, exitCode, since(toolBegin_));
 }
 

@@ -44,6 +44,8 @@ class BuildView {
   virtual void componentEnded(const BString& component, e_btr result) = 0;
   // `file`: the host path of the run's file, relative to the project's directory for what lies below that.
   virtual void toolStarted(const ToolRun& run, const std::string& file) = 0;
+  // What counts as the fault of a tool that fails without telling one; ahead of its end.
+  virtual void toolFailed(const Diagnostic& failure) = 0;
   virtual void toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode,
                          std::chrono::milliseconds elapsed) = 0;
   // Behind the last line.

@@ -25,17 +25,19 @@ void Findings::add(const Diagnostic& diagnostic, const std::string& component) {
   keep(std::move(finding));
 }
 
-void Findings::toolEnded(const std::string& component, const std::string& file,
-                         std::optional<std::int32_t> exitCode) {
-  if (understood_ || !exitCode || *exitCode == 0) return;
+std::optional<Diagnostic> Findings::toolEnded(const std::string& component, const std::string& file,
+                                              std::optional<std::int32_t> exitCode) {
+  if (understood_ || !exitCode || *exitCode == 0) return std::nullopt;
+  std::optional<Diagnostic> failure;
   if (consequences_.empty()) {
-    Finding failure{{}, component};
-    failure.diagnostic.severity = Severity::Error;
-    failure.diagnostic.file = file;
-    failure.diagnostic.text = "\"" + component + "\" ended with exit code " + std::to_string(*exitCode);
-    consequences_.push_back(std::move(failure));
+    failure.emplace();
+    failure->severity = Severity::Error;
+    failure->file = file;
+    failure->text = "\"" + component + "\" ended with exit code " + std::to_string(*exitCode);
+    consequences_.push_back({*failure, component});
   }
   for (Finding& finding : consequences_) keep(std::move(finding));
+  return failure;
 }
 
 void Findings::keep(Finding finding) {

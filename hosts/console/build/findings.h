@@ -29,8 +29,9 @@ class Findings {
   // Notes are not kept.
   void add(const Diagnostic& diagnostic, const std::string& component);
   // A tool that fails without a word that is understood counts as an error: in the file that it was for, if
-  // it was for one. Nothing for a tool that was stopped.
-  void toolEnded(const std::string& component, const std::string& file, std::optional<std::int32_t> exitCode);
+  // it was for one. Nothing for a tool that was stopped. Returns that error, which no line has told.
+  std::optional<Diagnostic> toolEnded(const std::string& component, const std::string& file,
+                                      std::optional<std::int32_t> exitCode);
 
   const std::vector<Finding>& errors() const { return errors_; }
   const std::vector<Finding>& warnings() const { return warnings_; }

@@ -72,6 +72,10 @@ void JsonView::toolStarted(const ToolRun& run, const std::string& file) {
   writeObject(out_, "tool_start", members);
 }
 
+void JsonView::toolFailed(const Diagnostic& failure) {
+  writeObject(out_, "diagnostic", diagnosticMembers(failure, component_));
+}
+
 void JsonView::toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode,
                          std::chrono::milliseconds elapsed) {
   Json members = runMembers(run);

@@ -64,6 +64,9 @@ void TextView::toolStarted(const ToolRun& run, const std::string& file) {
   if (progress_) progress_->toolStarted(run.number, run.count, file);
 }
 
+// The summary has it.
+void TextView::toolFailed(const Diagnostic&) {}
+
 void TextView::toolEnded(const ToolRun&, std::optional<std::int32_t>, std::chrono::milliseconds) {}
 
 void TextView::showFinding(const Finding& finding) {

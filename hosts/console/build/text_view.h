@@ -26,6 +26,7 @@ class TextView final : public BuildView {
   void componentStarted(const BString& component, std::int32_t inputs) override;
   void componentEnded(const BString& component, e_btr result) override;
   void toolStarted(const ToolRun& run, const std::string& file) override;
+  void toolFailed(const Diagnostic& failure) override;
   void toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode,
                  std::chrono::milliseconds elapsed) override;
   void ended(const BuildOutcome& outcome) override;

@@ -32,7 +32,7 @@ bool isExportedDatabase(std::string_view text) {
 
 void writeExported(Session& session, const std::string& file, const std::string& text,
                    bool (*isExported)(std::string_view)) {
-  if (file == "-") return session.output().raw(text);
+  if (file == "-") return session.output().lines(text);
   struct stat status {};
   if (::lstat(file.c_str(), &status) == 0) {
     const std::optional<std::string> old =

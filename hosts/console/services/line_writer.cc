@@ -114,6 +114,15 @@ void LineWriter::line(std::string_view text) {
   append(encoder_ ? std::string_view(encoder_(text)) : text);
 }
 
+void LineWriter::lines(std::string_view text) {
+  if (!encoder_) return raw(text);
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    line(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+}
+
 void LineWriter::append(std::string_view text) {
   if (footerShown_) eraseFooter();
   char* out = reserve(text.size() + 1);

@@ -40,6 +40,8 @@ class LineWriter {
   // Appends the text and a line feed.
   void line(std::u16string_view text);
   void line(std::string_view text);
+  // Appends a text of whole lines.
+  void lines(std::string_view text);
   // Appends bytes as they stand.
   void raw(std::string_view bytes);
   void flush();

@@ -24,7 +24,7 @@ Shell requiredShell(const std::string& name) {
 
 ExitCode showScript(const Invocation& invocation) {
   LineWriter& out = standardOutput();
-  out.raw(completionScript(requiredShell(invocation.text("SHELL"))));
+  out.lines(completionScript(requiredShell(invocation.text("SHELL"))));
   return finishOutput(out, ExitCode::Success);
 }
 
@@ -98,7 +98,7 @@ ExitCode showManual(const Invocation& invocation) {
   LineWriter& out = standardOutput();
   const std::string& word = invocation.text("COMMAND");
   if (!invocation.has("--directory")) {
-    out.raw(manualPage(requiredPage(word)));
+    out.lines(manualPage(requiredPage(word)));
     return finishOutput(out, ExitCode::Success);
   }
   for (const std::string& page : word.empty() ? manualPages() : std::vector{requiredPage(word)})
