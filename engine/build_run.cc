@@ -205,6 +205,7 @@ HRESULT CBuildTool::PlanBuild(e_task task, std::vector<PlannedComponent>* out) {
     if (task == E_TASK_COMPILE) takeSelection();
     const e_task before = std::exchange(task_, task);
     plan_ = out;
+    timeToCome_ = TIME_TO_COME;
     forgetFileTimes();
     const HRESULT planned = input->PreBuild(nullptr);
     forgetFileTimes();

@@ -74,6 +74,7 @@ class CBuildTool final
   HRESULT GetDependencies(const BString& file, std::vector<BString>* out) override;
   // IBuildPlanner
   bool isPlanning() const override { return plan_ != nullptr; }
+  FileTime nextTime() override { return timeToCome_++; }
   HRESULT AddPlanned(PlannedComponent planned) override;
 
   // IWorkspaceRecords
@@ -133,6 +134,7 @@ class CBuildTool final
   e_task task_ = E_TASK_BUILD;
   bool building_ = false;
   std::vector<PlannedComponent>* plan_ = nullptr;  // while one is made
+  FileTime timeToCome_ = TIME_TO_COME;             // in it
   std::optional<e_btr> lastResult_;                // of the last run that ended
   bool chained_ = false;                           // would hold the build run open; nothing sets it
   Ref<IUnknown> saveToken_;

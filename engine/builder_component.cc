@@ -244,26 +244,33 @@ void CBuilderComponent::plan(IBuildPlanner& planner) {
       ~Ended() { planned = nullptr; }
     } ended{planned_};
     prepareTimes();
-    if (commandReady()) planned.runs = plannedRuns();
+    if (commandReady()) planned.runs = plannedRuns(planner);
   }
   const e_btr status = planned.problems.empty() ? E_BTR_COMPLETED : E_BTR_ERROR;
   check(planner.AddPlanned(std::move(planned)));
   check(BuildResult(status, 0));
 }
 
-std::vector<PlannedRun> CBuilderComponent::plannedRuns() {
+// One after the other, as in a build: what a run makes can be what the next one reads, or makes too.
+std::vector<PlannedRun> CBuilderComponent::plannedRuns(IBuildPlanner& planner) {
   std::vector<PlannedRun> runs;
+  const auto add = [&](PlannedRun run) {
+    if (run.staleness) countAsMade(run.outputs, planner.nextTime());
+    runs.push_back(std::move(run));
+  };
   if (gathersOnce()) {
-    runs.push_back({{}, outputFiles_.list(), BuildOnceCommand(), NeedsBuildOnce()});
-  } else {
-    runs.reserve(inputFiles_.list().size());
-    for (const BString& file : inputFiles_.list()) runs.push_back(plannedRun(file));
+    add({{}, outputFiles_.list(), BuildOnceCommand(), NeedsBuildOnce()});
+    return runs;
   }
-  for (const PlannedRun& run : runs) {
-    if (!run.staleness) continue;
-    for (const BString& output : run.outputs) fileTimes().assume(output, TIME_TO_COME);
-  }
+  runs.reserve(inputFiles_.list().size());
+  for (const BString& file : inputFiles_.list()) add(plannedRun(file));
   return runs;
+}
+
+void CBuilderComponent::countAsMade(const std::vector<BString>& outputs, FileTime time) {
+  bool known = false;
+  for (const BString& output : outputs) known = fileTimes().assume(output, time) || known;
+  if (known) times_ = DependencyTimes(times_.workingDirectory());
 }
 
 PlannedRun CBuilderComponent::plannedRun(const BString& file) {

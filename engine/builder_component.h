@@ -121,8 +121,9 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
  private:
   void runTask(e_btr* status);
   void plan(IBuildPlanner& planner);
-  std::vector<PlannedRun> plannedRuns();
+  std::vector<PlannedRun> plannedRuns(IBuildPlanner& planner);
   PlannedRun plannedRun(const BString& file);
+  void countAsMade(const std::vector<BString>& outputs, FileTime time);
   BString commandFor(const BString& file);
   void cleanOutputs();
   void gatherOutputsOfEachFile();

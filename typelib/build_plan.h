@@ -11,8 +11,8 @@ namespace forgeyard {
 
 // What a build would do, for who asks without running it.
 
-// The time of what an earlier part of the same build will have made.
-inline constexpr FileTime TIME_TO_COME = std::numeric_limits<FileTime>::max();
+// Times from here on are those of what earlier parts of the same build will have made, in the order of that.
+inline constexpr FileTime TIME_TO_COME = std::numeric_limits<FileTime>::max() - (FileTime{1} << 40);
 
 // Why a file or component has to be built, made where the decision falls: the build acts on it and a user can
 // be told.
@@ -77,6 +77,8 @@ struct IBuildPlanner : IUnknown {
   static constexpr Guid iid = guid("5B2D7081-93C4-4E6F-A8D1-2F60C1B49E01");
 
   virtual bool isPlanning() const = 0;
+  // When the run that is planned next will have ended: later than all times before.
+  virtual FileTime nextTime() = 0;
   virtual HRESULT AddPlanned(PlannedComponent planned) = 0;
 };
 

@@ -16,7 +16,8 @@ constexpr std::size_t worthABatch = 512;
 }  // namespace
 
 std::optional<FileTime> FileTimeCache::modified(const BString& path, Stamp& stamp) {
-  const Slot& slot = entry(path);
+  Slot& slot = entry(path);
+  slot.stampGiven = true;
   stamp = slot.stamp;
   return answer(slot);
 }
@@ -73,11 +74,14 @@ void FileTimeCache::endWatching() noexcept {
   readAgain_ = 0;
 }
 
-void FileTimeCache::assume(const BString& path, FileTime time) {
+bool FileTimeCache::assume(const BString& path, FileTime time) {
   Slot& slot = slotFor(path);
+  const bool stampHeld = isCurrent(slot) && slot.stampGiven;
+  slot.stampGiven = false;
   slot.stamp = {cells_.front(), 0};
   slot.known = Known::Time;
   slot.time = time;
+  return stampHeld;
 }
 
 void FileTimeCache::forget(const BString& path) noexcept {
@@ -99,7 +103,7 @@ void FileTimeCache::prefetch(std::span<const BString> paths) {
   }
 }
 
-const FileTimeCache::Slot& FileTimeCache::entry(const BString& path) {
+FileTimeCache::Slot& FileTimeCache::entry(const BString& path) {
   Slot& slot = slotFor(path);
   if (!isCurrent(slot)) read(slot);
   return slot;
@@ -147,6 +151,7 @@ void FileTimeCache::read(Slot& slot) {
 }
 
 void FileTimeCache::store(Slot& slot, const std::optional<FileStatus>& status) noexcept {
+  slot.stampGiven = false;
   if (!status) {
     slot.known = Known::Missing;
   } else if (const auto time = status->comparableTime()) {

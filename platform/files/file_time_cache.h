@@ -53,8 +53,9 @@ class FileTimeCache {
   void invalidate() noexcept;
   // Drops the times that a tool which has just ended may have changed: all that aren't watched.
   void afterTool() noexcept;
-  // Takes the file for one of that time until times are dropped. Stamps given for it before stay as they are.
-  void assume(const BString& path, FileTime time);
+  // Takes the file for one of that time until times are dropped. True if somebody holds a stamp for the time
+  // before, which stays as it is.
+  bool assume(const BString& path, FileTime time);
   // Drops one: after this process itself has written or deleted the file.
   void forget(const BString& path) noexcept;
 
@@ -69,6 +70,7 @@ class FileTimeCache {
     std::uint32_t readUnder = 0;
     std::uint32_t unwatchable = 0;
     Known known = Known::Nothing;
+    bool stampGiven = false;  // since it was read
   };
 
   static std::optional<FileTime> answer(const Slot& slot) noexcept {
@@ -78,7 +80,7 @@ class FileTimeCache {
     return slot.known != Known::Nothing && isCurrent(slot.stamp);
   }
   FileSystem& disk() const { return disk_ ? *disk_ : files(); }
-  const Slot& entry(const BString& path);
+  Slot& entry(const BString& path);
   Slot& slotFor(const BString& path);
   Slot* find(const BString& path, std::size_t hash) noexcept;
   void read(Slot& slot);

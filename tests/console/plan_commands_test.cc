@@ -88,6 +88,57 @@ TEST_F(PlanCommands, TheBuildRunsWhatTheDryRunLists) {
   }
 }
 
+// Runs of one component can read, or make, what another of its runs makes.
+TEST_F(PlanCommands, EachRunIsJudgedBehindTheOnesBeforeIt) {
+  std::filesystem::create_directory(path("below"));
+  makeToolProject({"a.txt", "b.txt", "c.txt", "below/c.txt"}, "");
+  must({"set", "tool", "Output=.out", "CommandOutDir=$(WorkDir)",
+        "Command=cp \"$(FileFullPath)\" \"$(OutDir)$(FileName).out\""});
+  auto project = nlohmann::json::parse(shown({"dump", "p.nqp"}));
+  for (auto& file : project["components"][0]["files"]) {
+    const std::string name = file["PersistAs"];
+    if (name == ".\\a.txt" || name == ".\\c.txt") file["ManualDeps"] = {".\\b.out"};
+  }
+  put("p.json", project.dump());
+  std::filesystem::remove(path("p.nqp"));
+  must({"restore", "p.json", "p.nqp"});
+  must({"build"});
+  must({"build"});
+  struct Step {
+    const char* name;
+    std::function<void()> change;
+    std::size_t runs;
+  };
+  const Step steps[] = {
+      {"two files make one", [this] { std::filesystem::remove(path("c.out")); }, 1},
+      {"of those that read it only the one behind runs", [this] { touch("b.txt"); }, 2},
+      {"the one ahead follows", [] {}, 1},
+      {"all is done", [] {}, 0},
+  };
+  for (const Step& step : steps) {
+    step.change();
+    const Lines listed = must({"-q", "build", "--dry-run"}).lines();
+    EXPECT_EQ(listed.size(), step.runs) << step.name;
+    EXPECT_EQ(e2e::toolRuns(must({"build"})), static_cast<int>(step.runs)) << step.name;
+  }
+}
+
+// Only a damaged file has one; builds pass over it without a word.
+TEST_F(PlanCommands, ACircleIsLeftOut) {
+  makeToolProject({"a.txt"}, "true");
+  for (const char* name : {"x", "y"}) must({"component", "add", "cmdline", name});
+  auto project = nlohmann::json::parse(shown({"dump", "p.nqp"}));
+  project["connections"].push_back({{"from", 2}, {"to", 3}});
+  project["connections"].push_back({{"from", 3}, {"to", 2}});
+  put("q.json", project.dump());
+  must({"restore", "q.json", "q.nqp"});
+  must({"-p", "q.nqp", "build"});
+  EXPECT_EQ(forgeyard({"-p", "q.nqp", "build", "--dry-run"}).exitCode, 0);
+  EXPECT_EQ(shown({"-p", "q.nqp", "why", "x"}), "x: would be left out: its connections go in a circle.\n");
+  EXPECT_THAT(shown({"-p", "q.nqp", "graph"}),
+              HasSubstr("x (cmdline, left out, connected in a circle) -> y"));
+}
+
 TEST_F(PlanCommands, ReasonsAreToldInWords) {
   makeGeneratedProgram();
   EXPECT_THAT(shown({"why"}), HasSubstr("cc: would run for 2 of 2 files.\n  a.c: the settings have changed"));

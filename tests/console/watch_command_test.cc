@@ -97,7 +97,87 @@ TEST_F(WatchCommand, AProjectThatIsGoneForAWhileIsWaitedFor) {
   expectBuilds(watch, 2);
   watch.interrupt();
   EXPECT_THAT(watch.finish().errors, HasSubstr("There is no project file"));
+}
+
+// An editor of this user saves while tools run, and again while they run for that.
+TEST_F(WatchCommand, NoChangeDuringABuildIsLost) {
+  put("tool.sh", "echo >> n\nruns=`wc -l < n`\n[ $runs -gt 2 ] || echo $runs > a.txt\ncp a.txt a.out\n");
+  put("n", "");
+  makeToolProject({"a.txt"}, "sh tool.sh \"$(FileFullPath)\"");
+  must({"set", "tool", "Output="});
+  e2e::RunningProgram watch(start({"watch"}));
+  expectBuilds(watch, 3);
+  watch.interrupt();
+  watch.finish();
+  EXPECT_EQ(content("a.out"), content("a.txt"));
+}
+
+// Checked out by version control in the middle of a build, which can't store what it has learnt then.
+TEST_F(WatchCommand, AProjectThatIsReplacedDuringABuildIsBuiltAnew) {
+  makeProgramProject({"a.c"});
+  put("a.c", "int main(void) { return 0; }\n");
+  must({"component", "add", "cmdline", "last"});
+  must({"connect", "cc", "last"});
+  must({"set", "last", "Output=", "RunOnce=1", "Command=sh -c \"touch began; sleep 1\""});
+  e2e::RunningProgram watch(start({"watch"}));
+  waitForFile("began");
+  put("other.nqp", content("p.nqp"));
+  must({"-p", "other.nqp", "set", "last", "Command=sh -c \"touch replaced\""});
+  std::filesystem::rename(path("other.nqp"), path("p.nqp"));
+  waitForFile("replaced");
+  watch.interrupt();
+  EXPECT_THAT(watch.finish().errors, HasSubstr("another program has changed the file meanwhile"));
+}
+
+TEST_F(WatchCommand, DirectoriesComeAndGo) {
+  std::filesystem::create_directory(path("inc"));
+  std::filesystem::create_directories(path("old"));
+  std::filesystem::create_directories(path("new"));
+  put("inc/a.h", "#define A 0\n");
+  put("old/b.c", "int b;\n");
+  put("new/b.c", "int c;\n");
+  std::filesystem::create_symlink("old", path("now"));
+  put("a.c", "#include \"inc/a.h\"\nint main(void) { return A; }\n");
+  makeProgramProject({"a.c", "now/b.c"});
+  e2e::RunningProgram watch(start({"watch"}));
+  expectBuilds(watch, 1);
+  pause();
+  std::filesystem::remove_all(path("inc"));
+  expectBuilds(watch, 2);
+  pause();
+  std::filesystem::create_directory(path("inc"));
+  pause();
+  put("inc/a.h", "#define A 0\n");
+  expectBuilds(watch, 3);
+  pause();
+  std::filesystem::create_symlink("new", path("then"));
+  touch("new/b.c");
+  std::filesystem::rename(path("then"), path("now"));
+  expectBuilds(watch, 4);
+}
+
+TEST_F(WatchCommand, EndsWhenItsReaderGoes) {
+  makeToolProject({"a.txt"}, "true");
+  auto command = start({"watch"});
+  std::string line;
+  for (const std::string& word : command.command) line += "'" + word + "' ";
+  command.command = {"/bin/bash", "-c", line + "| head -1; echo ${PIPESTATUS[0]}"};
+  const Outcome outcome = e2e::RunningProgram(command).finish();
+  EXPECT_THAT(outcome.output, testing::EndsWith("\n141\n"));
+}
+
+TEST_F(WatchCommand, AProgramHearsAtOnceThatItWaits) {
+  makeToolProject({"a.txt"}, "true");
+  e2e::RunningProgram watch(start({"--json", "watch"}));
+  EXPECT_TRUE(watch.waitForOutput("\"Watching 1 file of "));
+}
+
+TEST_F(WatchCommand, WhatCanNotBeBegunEndsAtOnce) {
+  makeToolProject({"a.txt"}, "true");
+  put("junk.nqp", "junk");
   EXPECT_THAT(refused({"-p", "none.nqp", "watch"}), HasSubstr("There is no project file"));
+  EXPECT_THAT(refused({"-p", "junk.nqp", "watch"}), HasSubstr("is not a project file"));
+  EXPECT_THAT(refused({"-p", "p.nqp", "-c", "Defualt", "watch"}), HasSubstr("Did you mean Default?"));
 }
 
 }  // namespace

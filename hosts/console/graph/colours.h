@@ -19,6 +19,7 @@ inline Colours coloursOf(Diagram::State state) {
       {"#f2f2f2", "#9a9a9a"},  // no inputs
       {"#fbe3e1", "#b83a30"},  // fails
       {"#f7ece4", "#a0714f"},  // waits
+      {"#f2f2f2", "#b83a30"},  // left out
   };
   return kColours[static_cast<std::size_t>(state)];
 }

@@ -29,6 +29,8 @@ State stateIn(const ComponentPlan& entry) {
       return State::Fails;
     case ComponentState::Waits:
       return State::Waits;
+    case ComponentState::LeftOut:
+      return State::LeftOut;
   }
   return State::Waits;
 }
@@ -108,7 +110,7 @@ void chooseRows(Diagram& diagram) {
 
 const char* Diagram::toText(State state) {
   static constexpr const char* kNames[] = {"folder",    "disabled", "up-to-date", "out-of-date",
-                                           "no-inputs", "fails",    "waits"};
+                                           "no-inputs", "fails",    "waits",      "left-out"};
   return kNames[static_cast<std::size_t>(state)];
 }
 

@@ -11,7 +11,7 @@ namespace forgeyard::console {
 
 // The diagram of a project: its folders and components with their files and their state, and what feeds what.
 struct Diagram {
-  enum class State : std::uint8_t { Folder, Disabled, UpToDate, OutOfDate, NoInputs, Fails, Waits };
+  enum class State : std::uint8_t { Folder, Disabled, UpToDate, OutOfDate, NoInputs, Fails, Waits, LeftOut };
 
   struct Node {
     std::string name;

@@ -5,6 +5,7 @@
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/project/configurations.h"
+#include "hosts/console/project/connections.h"
 
 namespace forgeyard::console {
 
@@ -24,17 +25,47 @@ std::vector<PlannedComponent> ask(OpenProject& project, e_task task) {
   return planned;
 }
 
+// What no failing component lies upstream of waits for nothing: only a circle, which a damaged file can have,
+// keeps it out of a build.
+void findWaiting(ProjectPlan& plan, IProject& project) {
+  const std::vector<Ref<IConnection>> connections = connectionsOf(project);
+  const auto entryOf = [&](const Ref<IComponent>& component) {
+    return std::find_if(plan.components.begin(), plan.components.end(), [&](const ComponentPlan& entry) {
+      return sameObject(entry.component.object.get(), component.get());
+    });
+  };
+  const auto fails = [](const ComponentPlan& entry) {
+    return entry.reached ? !entry.plan.problems.empty() : !entry.inCircle;
+  };
+  for (bool found = true; found;) {
+    found = false;
+    for (const Ref<IConnection>& connection : connections) {
+      Ref<IComponent> from;
+      Ref<IComponent> to;
+      check(connection->get_From(&from));
+      check(connection->get_To(&to));
+      const auto source = entryOf(from);
+      const auto sink = entryOf(to);
+      const auto end = plan.components.end();
+      if (source == end || sink == end || !sink->inCircle || !fails(*source)) continue;
+      sink->inCircle = false;
+      found = true;
+    }
+  }
+}
+
 }  // namespace
 
 ComponentState stateOf(const ComponentPlan& entry) {
-  if (!entry.reached) return ComponentState::Waits;
+  if (!entry.reached) return entry.inCircle ? ComponentState::LeftOut : ComponentState::Waits;
   if (!entry.plan.problems.empty()) return ComponentState::Fails;
   if (entry.plan.inputs.empty()) return ComponentState::NoInputs;
   return entry.needed == 0 ? ComponentState::UpToDate : ComponentState::OutOfDate;
 }
 
 const char* toText(ComponentState state) {
-  static constexpr const char* kNames[] = {"up-to-date", "out-of-date", "no-inputs", "fails", "waits"};
+  static constexpr const char* kNames[] = {"up-to-date", "out-of-date", "no-inputs",
+                                           "fails",      "waits",       "left-out"};
   return kNames[static_cast<std::size_t>(state)];
 }
 
@@ -51,8 +82,15 @@ std::string stateWords(const ComponentPlan& entry) {
       return "can't run";
     case ComponentState::Waits:
       return "waits for what feeds it";
+    case ComponentState::LeftOut:
+      return "left out, connected in a circle";
   }
   return "";
+}
+
+std::string reasonNotReached(const ComponentPlan& entry) {
+  return entry.inCircle ? "would be left out: its connections go in a circle"
+                        : "would not be started: what feeds it fails";
 }
 
 std::size_t ProjectPlan::needed() const {
@@ -62,7 +100,8 @@ std::size_t ProjectPlan::needed() const {
 
 bool ProjectPlan::hasProblems() const {
   return std::any_of(components.begin(), components.end(), [](const ComponentPlan& entry) {
-    return !entry.reached || !entry.plan.problems.empty();
+    const ComponentState state = stateOf(entry);
+    return state == ComponentState::Fails || state == ComponentState::Waits;
   });
 }
 
@@ -70,7 +109,7 @@ void tellProblems(const ProjectPlan& plan) {
   for (const ComponentPlan& entry : plan.components) {
     for (const BString& problem : entry.plan.problems)
       complain(entry.component.name + ": " + problem.narrow());
-    if (!entry.reached) complain(entry.component.name + " would not be started: what feeds it fails.");
+    if (!entry.reached) complain(entry.component.name + " " + reasonNotReached(entry) + ".");
   }
 }
 
@@ -85,12 +124,13 @@ ProjectPlan planOf(OpenProject& project, e_task task) {
     });
     if (tool == tools.end()) continue;
     const std::size_t needed = neededRuns(planned);
-    result.components.push_back({std::move(*tool), true, std::move(planned), needed});
+    result.components.push_back({std::move(*tool), true, false, std::move(planned), needed});
     tools.erase(tool);
   }
   // In a task for some files alone, or a clean, some components have no part.
   if (task != E_TASK_BUILD && task != E_TASK_REBUILD) return result;
-  for (Component& tool : tools) result.components.push_back({std::move(tool), false, {}, 0});
+  for (Component& tool : tools) result.components.push_back({std::move(tool), false, true, {}, 0});
+  findWaiting(result, project.project());
   return result;
 }
 

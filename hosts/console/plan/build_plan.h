@@ -12,17 +12,21 @@ namespace forgeyard::console {
 // A tool component in a plan.
 struct ComponentPlan {
   Component component;
-  bool reached = true;  // false: nothing below is known, since what feeds it has problems
+  bool reached = true;    // false: nothing below is known, since what feeds it has problems
+  bool inCircle = false;  // or since builds leave it out
   PlannedComponent plan;
   std::size_t needed = 0;  // runs that are out of date
 };
 
-enum class ComponentState { UpToDate, OutOfDate, NoInputs, Fails, Waits };
+enum class ComponentState { UpToDate, OutOfDate, NoInputs, Fails, Waits, LeftOut };
 ComponentState stateOf(const ComponentPlan& entry);
-// For programs: "up-to-date", "out-of-date", "no-inputs", "fails", "waits".
+// For programs: "up-to-date", "out-of-date", "no-inputs", "fails", "waits", "left-out".
 const char* toText(ComponentState state);
 // For people: "2 out of date".
 std::string stateWords(const ComponentPlan& entry);
+
+// Of a component that is not reached: "would not be started: what feeds it fails".
+std::string reasonNotReached(const ComponentPlan& entry);
 
 // What a task would do with the project, in the configuration that the options name: the tool components in
 // the order of the build, behind them those that it would not get to.

@@ -46,7 +46,8 @@ ExitCode dryRun(OpenProject& project, e_task task) {
   tellProblems(plan);
   if (plan.hasProblems()) return session.finish(ExitCode::BuildErrors);
   if (plan.needed() == 0 && !session.options().quiet)
-    session.output().line(std::string_view("All outputs up to date."));
+    session.output().line(task == E_TASK_COMPILE ? std::string_view("No component takes these files.")
+                                                 : std::string_view("All outputs up to date."));
   return session.finish();
 }
 

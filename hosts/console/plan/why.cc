@@ -33,7 +33,7 @@ class Explanation {
   void all(bool upToDateToo) {
     for (const ComponentPlan& entry : plan_.components) component(entry, upToDateToo);
   }
-  // False if there is no such component, or no such file.
+  // All of that name; false if there is no such component, or no such file.
   bool component(const std::string& name);
   bool file(const BString& name);
 
@@ -56,7 +56,7 @@ class Explanation {
 };
 
 std::string Explanation::summary(const ComponentPlan& entry) const {
-  if (!entry.reached) return "would not be started: what feeds it fails";
+  if (!entry.reached) return reasonNotReached(entry);
   if (!entry.plan.problems.empty()) return "would fail before it runs a tool";
   if (entry.plan.inputs.empty()) return "no inputs to build";
   if (entry.needed == 0) return "up to date, " + counted(entry.plan.inputs.size(), "input");
@@ -84,11 +84,13 @@ void Explanation::component(const ComponentPlan& entry, bool upToDateToo) {
 }
 
 bool Explanation::component(const std::string& name) {
-  const auto found = std::find_if(plan_.components.begin(), plan_.components.end(),
-                                  [&](const ComponentPlan& entry) { return entry.component.name == name; });
-  if (found == plan_.components.end()) return false;
-  component(*found, true);
-  return true;
+  bool found = false;
+  for (const ComponentPlan& entry : plan_.components) {
+    if (entry.component.name != name) continue;
+    component(entry, true);
+    found = true;
+  }
+  return found;
 }
 
 bool Explanation::dependsOn(const BString& file, const BString& name) {

@@ -88,6 +88,7 @@ void OpenProject::save() {
   if (succeeded(status) && dirty) status = E_FAIL;
   if (failed(status)) throw Failure(saveFailure(file_, status));
   incomplete_ = false;
+  saved_ = true;
 }
 
 }  // namespace forgeyard::console

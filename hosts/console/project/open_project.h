@@ -42,6 +42,8 @@ class OpenProject {
   // Writes the file. Throws a Failure when it could not be written: then it stands as it was. Asks before a
   // part that could not be read is lost for good.
   void save();
+  // Whether it has been called, and has written the file.
+  bool wasSaved() const { return saved_; }
 
  private:
   OpenProject(Session& session, ProjectFile file);
@@ -51,6 +53,7 @@ class OpenProject {
   ProjectFile file_;
   Ref<IProject> project_;
   bool incomplete_ = false;
+  bool saved_ = false;
 };
 
 }  // namespace forgeyard::console

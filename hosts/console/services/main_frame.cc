@@ -1,5 +1,6 @@
 #include "hosts/console/services/main_frame.h"
 
+#include <signal.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -16,8 +17,27 @@ bool canAsk() {
   return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
 }
 
+// For its life time Ctrl-C ends the program, as it does before anything has begun, also where stop signals
+// are waited for otherwise.
+class StopSignalsLetThrough {
+ public:
+  StopSignalsLetThrough() {
+    sigset_t signals;
+    sigemptyset(&signals);
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&signals, signal);
+    ::pthread_sigmask(SIG_UNBLOCK, &signals, &before_);
+  }
+  StopSignalsLetThrough(const StopSignalsLetThrough&) = delete;
+  StopSignalsLetThrough& operator=(const StopSignalsLetThrough&) = delete;
+  ~StopSignalsLetThrough() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_{};
+};
+
 // Whether the line that the user types begins with a y. The end of the input counts as no.
 bool readYes() {
+  const StopSignalsLetThrough interruptible;
   int first = EOF;
   for (int c = std::getchar(); c != EOF && c != '\n'; c = std::getchar()) {
     if (first == EOF && c != ' ') first = c;

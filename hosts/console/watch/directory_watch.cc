@@ -8,15 +8,19 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
+#include <optional>
 
 namespace forgeyard::console {
 
 namespace {
 
 namespace fs = std::filesystem;
+using Directories = std::set<std::string>;
 
 constexpr std::uint32_t kEvents = IN_CLOSE_WRITE | IN_MODIFY | IN_ATTRIB | IN_CREATE | IN_DELETE |
                                   IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+// As many as the system follows.
+constexpr int kMostLinks = 40;
 
 // Other machines write on these without a word to this one's kernel.
 bool isShared(const std::string& directory) {
@@ -27,21 +31,54 @@ bool isShared(const std::string& directory) {
              kShares.end();
 }
 
+// The path with the first link in it followed; the link's directory goes to `places`. Nothing without a link.
+std::optional<fs::path> followed(const fs::path& path, Directories& places) {
+  fs::path walked;
+  for (auto part = path.begin(); part != path.end(); ++part) {
+    std::error_code error;
+    const fs::path target = fs::read_symlink(walked / *part, error);
+    if (error) {
+      walked /= *part;
+      continue;
+    }
+    places.insert(walked.string());
+    walked /= target;
+    while (++part != path.end()) walked /= *part;
+    return walked;
+  }
+  return std::nullopt;
+}
+
+// The directory in which the path ends, and those of all links on the way to it: a change in one of them can
+// make the path another file.
+void addPlaces(fs::path path, Directories& places) {
+  for (int links = 0; links < kMostLinks; ++links) {
+    std::optional<fs::path> next = followed(path, places);
+    if (!next) break;
+    path = std::move(*next);
+  }
+  places.insert(path.parent_path().string());
+}
+
+Directories placesOf(const FileStates::Paths& files) {
+  Directories places;
+  Directories known;
+  for (const std::string& file : files) {
+    const fs::path directory = fs::path(file).parent_path();
+    // With a slash behind it the path ends in the directory.
+    if (known.insert(directory.string()).second) addPlaces(directory / "", places);
+    std::error_code error;
+    if (fs::is_symlink(file, error)) addPlaces(file, places);
+  }
+  return places;
+}
+
 }  // namespace
 
 DirectoryWatch::DirectoryWatch(const FileStates::Paths& files)
     : events_(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK)), complete_(bool(events_)) {
   if (!events_) return;
-  FileStates::Paths directories;
-  for (const std::string& file : files) {
-    directories.insert(fs::path(file).parent_path().string());
-    // What a link leads to is written elsewhere.
-    std::error_code error;
-    if (!fs::is_symlink(file, error)) continue;
-    const fs::path target = fs::canonical(file, error);
-    if (!error) directories.insert(target.parent_path().string());
-  }
-  for (const std::string& directory : directories) watch(directory);
+  for (const std::string& directory : placesOf(files)) watch(directory);
 }
 
 // The directory, or the lowest one above it that is there: it will show that the next one is made.

@@ -9,8 +9,9 @@
 
 namespace forgeyard::console {
 
-// Is signalled when something happens in the directories of some files, or in what of those directories is
-// there. Tells no more than that it is time to look. For one thread.
+// Is signalled when something happens in the directories of some files, and of the links that lead to them,
+// or in what of those directories is there: one that is made later takes a new watch. Tells no more than that
+// it is time to look. For one thread.
 class DirectoryWatch final : public Waitable {
  public:
   // Watches from now on. Throws nothing: what can't be watched isn't, see isComplete().
