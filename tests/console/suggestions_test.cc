@@ -12,7 +12,9 @@ class Suggestions : public ConsoleSandbox {};
 TEST_F(Suggestions, AreMadeForEveryKindOfName) {
   makeProject();
   put("sub/main.c", "");
+  put("sub/main.h", "");
   must({"file", "add", "sub/main.c"});
+  must({"file", "add", "sub/main.h", "--folder", "inc"});
   must({"workspace", "add", "p.nqp"});
   const Refusal table[] = {
       {{"get", "lnk"}, "There is no component lnk. Did you mean link?"},
@@ -26,6 +28,7 @@ TEST_F(Suggestions, AreMadeForEveryKindOfName) {
       {{"file", "remove", "sub/mian.c"}, "Did you mean sub/main.c?"},
       {{"compile", "main.c"}, "is no file of the project."},
       {{"why", "sub/man.c"}, "Did you mean sub/main.c?"},
+      {{"why", "sub/man.h"}, "Did you mean sub/main.h?"},
       {{"component", "add", "linkr", "x"}, "There is no kind of component linkr. Did you mean linker?"},
       {{"set", "cc", "WarnngLevel=2"}, "Did you mean WarningLevel?"},
       {{"get", "cc", "Optoins"}, "Did you mean Options?"},

@@ -37,6 +37,7 @@ class Explanation {
   bool component(const std::string& name);
   bool file(const BString& name);
 
+  // All that can be asked for.
   std::vector<std::string> names() const;
   const ProjectPaths& paths() const { return paths_; }
 
@@ -47,7 +48,8 @@ class Explanation {
   bool json() const { return project_.session().options().json; }
   std::string summary(const ComponentPlan& entry) const;
   bool concerns(const PlannedRun& run, const ComponentPlan& entry, const BString& name);
-  bool dependsOn(const BString& file, const BString& name);
+  std::vector<BString> dependenciesOf(const BString& file) const;
+  bool dependsOn(const BString& file, const BString& name) const;
 
   OpenProject& project_;
   LineWriter& out_;
@@ -93,11 +95,15 @@ bool Explanation::component(const std::string& name) {
   return found;
 }
 
-bool Explanation::dependsOn(const BString& file, const BString& name) {
+std::vector<BString> Explanation::dependenciesOf(const BString& file) const {
   const Ref<IBuildPlan> planner = query<IBuildPlan>(&project_.session().tool());
   std::vector<BString> dependencies;
   check(planner->GetDependencies(file, &dependencies));
-  return contains(dependencies, name);
+  return dependencies;
+}
+
+bool Explanation::dependsOn(const BString& file, const BString& name) const {
+  return contains(dependenciesOf(file), name);
 }
 
 // As what goes in, as what comes out, or as what is read beside.
@@ -125,10 +131,18 @@ bool Explanation::file(const BString& name) {
 
 std::vector<std::string> Explanation::names() const {
   std::vector<std::string> names;
+  const auto add = [&](const std::vector<BString>& files) {
+    for (const BString& file : files) names.push_back(paths_.toUser(file));
+  };
   for (const ComponentPlan& entry : plan_.components) {
     names.push_back(entry.component.name);
-    for (const BString& input : entry.plan.inputs) names.push_back(paths_.toUser(input));
-    for (const BString& output : entry.plan.outputs) names.push_back(paths_.toUser(output));
+    add(entry.plan.inputs);
+    add(entry.plan.outputs);
+    for (const BString& input : entry.plan.inputs) add(dependenciesOf(input));
+  }
+  for (const FolderContents& folder : foldersOf(project_.project())) {
+    names.push_back(folder.folder.name);
+    for (const ProjectSource& file : folder.files) names.push_back(paths_.toUser(file.name));
   }
   std::sort(names.begin(), names.end());
   names.erase(std::unique(names.begin(), names.end()), names.end());
