@@ -236,6 +236,17 @@ TEST_F(Merge, EachKindOfChange) {
        [](Json& p) { settings(p, "link")["Command"] = "x"; }, nothing, conflictIn("component \"link\"")},
       {"the other way round", [](Json& p) { settings(p, "link")["Command"] = "x"; },
        [](Json& p) { removeComponent(p, "link"); }, nothing, conflictIn("component \"link\"")},
+      {"a component that theirs, with a new configuration, has removed",
+       [](Json& p) { settings(p, "link")["Command"] = "x"; },
+       [](Json& p) {
+         removeComponent(p, "link");
+         addConfiguration(p, "New");
+       },
+       [](Json& p) {
+         addConfiguration(p, "New");
+         settings(p, "link", "New")["BuildDirty"] = 1;
+       },
+       conflictIn("component \"link\"")},
       {"files of both",
        [](Json& p) { addFile(p, "src", "ours.c"); },
        [](Json& p) { addFile(p, "src", "theirs.c"); },

@@ -20,6 +20,16 @@ void dropLeftovers(RecordNode& node) {
                   [](const RecordField& field) { return field.name == "streams"; });
 }
 
+void addGaps(const RecordNode& project, AlignedProjects& aligned) {
+  for (const RecordNode& component : itemsOf(project, "components")) {
+    for (const RecordNode& configuration : itemsOf(project, "configurations")) {
+      const std::string name = textOf(configuration, "Name");
+      if (!itemNamed(component, "settings", "configuration", name))
+        aligned.gaps.emplace(numberOf(component, "Id"), name);
+    }
+  }
+}
+
 }  // namespace
 
 AlignedProjects alignedProjects(RecordNode base, RecordNode ours, RecordNode theirs, MergeLog& log) {
@@ -28,10 +38,15 @@ AlignedProjects alignedProjects(RecordNode base, RecordNode ours, RecordNode the
     for (RecordNode& component : listIn(*project, "components")) dropLeftovers(component);
   }
   alignComponents(base, ours, theirs, log);
+  AlignedProjects aligned;
+  for (const RecordNode* side : {&ours, &theirs}) addGaps(*side, aligned);
   alignFiles(base, ours, theirs);
   settleRemovedComponents(base, ours, theirs, log);
   settleRemovedConfigurations(base, ours, theirs, log);
-  return {std::move(base), std::move(ours), std::move(theirs)};
+  aligned.base = std::move(base);
+  aligned.ours = std::move(ours);
+  aligned.theirs = std::move(theirs);
+  return aligned;
 }
 
 }  // namespace forgeyard::console

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <set>
+#include <string>
+#include <utility>
+
 #include "hosts/console/merge/merge_log.h"
 
 namespace forgeyard::console {
@@ -11,6 +15,8 @@ struct AlignedProjects {
   RecordNode base;
   RecordNode ours;
   RecordNode theirs;
+  // Ids of components and names of configurations that a side has, without settings of one in the other.
+  std::set<std::pair<std::int64_t, std::string>> gaps;
 };
 
 AlignedProjects alignedProjects(RecordNode base, RecordNode ours, RecordNode theirs, MergeLog& log);

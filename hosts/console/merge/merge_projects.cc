@@ -109,7 +109,7 @@ class Assembly {
       const List known = *settings->get<List>();
       for (const RecordNode& configuration : itemsOf(project_, "configurations")) {
         const std::string name = textOf(configuration, "Name");
-        if (!has(known, name) && !lacksItAlready(numberOf(one, "Id"), name))
+        if (!has(known, name) && !sides_.gaps.contains({numberOf(one, "Id"), name}))
           addSettings(one, *settings->get<List>(), modelOf(known), name);
       }
       if (componentWithId(sides_.base, numberOf(one, "Id"))) continue;
@@ -131,14 +131,6 @@ class Assembly {
       return !isConfiguration(textOf(entry, "configuration"));
     });
     return removed == settings.end() ? settings.front() : *removed;
-  }
-
-  // On a side that knows both.
-  bool lacksItAlready(std::int64_t id, const std::string& name) const {
-    return knowsBoth(sides_.ours, id, name) || knowsBoth(sides_.theirs, id, name);
-  }
-  static bool knowsBoth(const RecordNode& side, std::int64_t id, const std::string& name) {
-    return componentWithId(side, id) && itemNamed(side, "configurations", "Name", name);
   }
 
   void addSettings(const RecordNode& owner, List& settings, const RecordNode& model,
