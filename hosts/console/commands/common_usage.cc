@@ -41,7 +41,9 @@ constexpr std::array kOptions{
 
 constexpr std::array kExitCodes{
     UsageNote{"0", "success"},
-    UsageNote{"1", "the build ended with errors, or would (--dry-run, status), dump found damage, doctor a problem, or merge a conflict"},
+    UsageNote{"1",
+              "the build ended with errors, or would (--dry-run, status), dump found damage, doctor a "
+              "problem, or merge a conflict"},
     UsageNote{"2", "wrong usage, or a file that can't be read or written"},
     UsageNote{"130", "stopped"},
     UsageNote{"141", "nobody reads standard output any more"},
