@@ -5,6 +5,7 @@
 
 #include "engine/worker.h"
 #include "platform/files/file_system.h"
+#include "platform/paths/no_break_space.h"
 #include "platform/paths/shell_path.h"
 #include "platform/text/fold.h"
 #include "platform/text/split.h"
@@ -269,7 +270,12 @@ std::vector<PlannedRun> CBuilderComponent::plannedRuns(IBuildPlanner& planner) {
 
 void CBuilderComponent::countAsMade(const std::vector<BString>& outputs, FileTime time) {
   bool known = false;
-  for (const BString& output : outputs) known = fileTimes().assume(output, time) || known;
+  for (const BString& output : outputs) {
+    known = fileTimes().assume(output, time) || known;
+    // As a dependency it has another spelling.
+    if (const BString entry = withNoBreakSpaces(output); entry != output)
+      known = fileTimes().assume(entry, time) || known;
+  }
   if (known) times_ = DependencyTimes(times_.workingDirectory());
 }
 

@@ -139,6 +139,21 @@ TEST_F(PlanCommands, ACircleIsLeftOut) {
               HasSubstr("x (cmdline, left out, connected in a circle) -> y"));
 }
 
+// There dependencies have another spelling than what makes them.
+TEST_F(PlanCommands, DirectoriesMayHaveBlanksAndOtherLetters) {
+  setDirectory("my pr\xC3\xB6ject");
+  makeGeneratedProgram();
+  must({"build"});
+  EXPECT_EQ(shown({"why", "between.h"}), "cc, a.c: up to date.\n");
+  touch("between.h");
+  EXPECT_THAT(shown({"why", "a.c"}), HasSubstr("cc, a.c: between.h ("));
+  must({"build"});
+  touch("text.in");
+  const Lines listed = must({"build", "--dry-run"}).lines();
+  EXPECT_EQ(listed.size(), 3u);
+  EXPECT_EQ(e2e::toolRuns(must({"build"})), 3);
+}
+
 TEST_F(PlanCommands, ReasonsAreToldInWords) {
   makeGeneratedProgram();
   EXPECT_THAT(shown({"why"}), HasSubstr("cc: would run for 2 of 2 files.\n  a.c: the settings have changed"));

@@ -8,6 +8,7 @@
 #include "hosts/console/plan/plan_json.h"
 #include "hosts/console/plan/reasons.h"
 #include "hosts/console/project/source_files.h"
+#include "platform/paths/no_break_space.h"
 
 namespace forgeyard::console {
 
@@ -103,7 +104,8 @@ std::vector<BString> Explanation::dependenciesOf(const BString& file) const {
 }
 
 bool Explanation::dependsOn(const BString& file, const BString& name) const {
-  return contains(dependenciesOf(file), name);
+  const std::vector<BString> dependencies = dependenciesOf(file);
+  return contains(dependencies, name) || contains(dependencies, withNoBreakSpaces(name));
 }
 
 // As what goes in, as what comes out, or as what is read beside.

@@ -45,7 +45,9 @@ std::string ProjectPaths::directory() const {
 }
 
 std::string ProjectPaths::toUser(const BString& name) const {
-  const std::string host = spelledHost(name).value_or(name.narrow());
+  // A dependency's spelling may not be that of the disk.
+  const bool reported = name.view().find(u'\u00a0') != std::u16string_view::npos;
+  const std::string host = (reported ? toHost(name) : spelledHost(name)).value_or(name.narrow());
   const bool inside = host.size() > hostPrefix_.size() && host.starts_with(hostPrefix_);
   return inside ? host.substr(hostPrefix_.size()) : host;
 }

@@ -4,6 +4,7 @@
 
 #include "hosts/console/project/source_files.h"
 #include "platform/files/host_location.h"
+#include "platform/paths/no_break_space.h"
 
 namespace forgeyard::console {
 
@@ -12,7 +13,10 @@ FileStates::Paths watchedFiles(OpenProject& project, const ProjectPlan& plan) {
   std::unordered_set<BString> made;
   const Ref<IBuildPlan> planner = query<IBuildPlan>(&project.session().tool());
   for (const ComponentPlan& entry : plan.components) {
-    made.insert(entry.plan.outputs.begin(), entry.plan.outputs.end());
+    for (const BString& output : entry.plan.outputs) {
+      made.insert(output);
+      made.insert(withNoBreakSpaces(output));
+    }
     for (const BString& input : entry.plan.inputs) {
       std::vector<BString> dependencies;
       check(planner->GetDependencies(input, &dependencies));
