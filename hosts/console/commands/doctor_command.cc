@@ -21,18 +21,18 @@ std::string padded(std::string text, std::size_t width) {
   return text;
 }
 
-void show(LineWriter& out, const Finding& finding) {
+void show(LineWriter& out, const CheckResult& result) {
   // Names and lines of files may hold anything.
-  out.line(padded(toText(finding.state), kStateWidth) + padded(finding.subject, kSubjectWidth) +
-           printable(finding.text));
-  if (!finding.advice.empty())
-    out.line(std::string(kStateWidth + kSubjectWidth, ' ') + "-> " + printable(finding.advice));
+  out.line(padded(toText(result.state), kStateWidth) + padded(result.subject, kSubjectWidth) +
+           printable(result.text));
+  if (!result.advice.empty())
+    out.line(std::string(kStateWidth + kSubjectWidth, ' ') + "-> " + printable(result.advice));
 }
 
-void showObject(LineWriter& out, const Finding& finding) {
+void showObject(LineWriter& out, const CheckResult& result) {
   nlohmann::ordered_json members{
-      {"state", toText(finding.state)}, {"subject", finding.subject}, {"text", finding.text}};
-  if (!finding.advice.empty()) members["advice"] = finding.advice;
+      {"state", toText(result.state)}, {"subject", result.subject}, {"text", result.text}};
+  if (!result.advice.empty()) members["advice"] = result.advice;
   writeObject(out, "finding", members);
 }
 
@@ -43,21 +43,21 @@ std::string verdict(std::size_t problems, std::size_t warnings) {
 }
 
 ExitCode examine(const Invocation& invocation) {
-  using State = Finding::State;
-  Findings findings;
-  const Registry registry = checkRegistry(findings);
-  checkInstallation(registry, findings);
-  checkTools(registry, findings);
-  checkRuntimeDirectory(findings);
-  checkFiles(invocation.options(), findings);
+  using State = CheckResult::State;
+  CheckResults results;
+  const Registry registry = checkRegistry(results);
+  checkInstallation(registry, results);
+  checkTools(registry, results);
+  checkRuntimeDirectory(results);
+  checkFiles(invocation.options(), results);
   const Options& options = invocation.options();
   LineWriter& out = standardOutput();
-  for (const Finding& finding : findings.all()) {
-    if (finding.state == State::Ok && options.quiet) continue;
-    options.json ? showObject(out, finding) : show(out, finding);
+  for (const CheckResult& result : results.all()) {
+    if (result.state == State::Ok && options.quiet) continue;
+    options.json ? showObject(out, result) : show(out, result);
   }
-  const std::size_t problems = findings.count(State::Problem);
-  if (!options.quiet) out.line(verdict(problems, findings.count(State::Warning)));
+  const std::size_t problems = results.count(State::Problem);
+  if (!options.quiet) out.line(verdict(problems, results.count(State::Warning)));
   return finishOutput(out, problems == 0 ? ExitCode::Success : ExitCode::BuildErrors);
 }
 

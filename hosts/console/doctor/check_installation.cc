@@ -14,41 +14,41 @@ namespace {
 
 constexpr const char* kReinstall = "Install Forgeyard anew, or build it again; its programs belong together.";
 
-void checkModule(const Registry& registry, Findings& findings) {
+void checkModule(const Registry& registry, CheckResults& results) {
   try {
     const Module module(registry);
-    findings.ok("module", std::filesystem::path(module.path()).lexically_normal().string());
+    results.ok("module", std::filesystem::path(module.path()).lexically_normal().string());
   } catch (const Failure& failure) {
-    findings.problem("module", failure.what(), kReinstall);
+    results.problem("module", failure.what(), kReinstall);
   }
 }
 
 // One of the programs that lie in one directory with the spawner. They tell their version as this one does.
-void checkPart(const std::string& subject, const std::string& path, Findings& findings) {
+void checkPart(const std::string& subject, const std::string& path, CheckResults& results) {
   std::error_code error;
   if (!std::filesystem::exists(path, error))
-    return findings.problem(subject, path + " is not there", kReinstall);
-  if (!isExecutable(path)) return findings.problem(subject, path + " is not executable", "chmod +x it.");
+    return results.problem(subject, path + " is not there", kReinstall);
+  if (!isExecutable(path)) return results.problem(subject, path + " is not executable", "chmod +x it.");
   const std::string version = programVersion(path);
-  if (version.empty()) return findings.problem(subject, path + " doesn't run", kReinstall);
+  if (version.empty()) return results.problem(subject, path + " doesn't run", kReinstall);
   const std::string expected = std::filesystem::path(path).filename().string() + " " + FORGEYARD_VERSION;
-  if (version == expected) return findings.ok(subject, path);
-  findings.warning(subject, path + " is of another version: " + version, kReinstall);
+  if (version == expected) return results.ok(subject, path);
+  results.warning(subject, path + " is of another version: " + version, kReinstall);
 }
 
 }  // namespace
 
-void checkInstallation(const Registry& registry, Findings& findings) {
-  findings.ok("program", programDirectory() + "/forgeyard " FORGEYARD_VERSION);
-  checkModule(registry, findings);
+void checkInstallation(const Registry& registry, CheckResults& results) {
+  results.ok("program", programDirectory() + "/forgeyard " FORGEYARD_VERSION);
+  checkModule(registry, results);
   const std::string directory = adapterDirectory(registry);
   if (directory.empty())
-    return findings.problem("home", "The registry's Home can't be found on this system",
-                            "Take the line Home=... out of the registry; the next command enters it anew.");
-  findings.ok("home", std::filesystem::path(directory).parent_path().string());
-  checkPart("spawner", directory + "/TideSpawn.exe", findings);
+    return results.problem("home", "The registry's Home can't be found on this system",
+                           "Take the line Home=... out of the registry; the next command enters it anew.");
+  results.ok("home", std::filesystem::path(directory).parent_path().string());
+  checkPart("spawner", directory + "/TideSpawn.exe", results);
   for (const char* adapter : {"gnu-cc", "gnu-as", "TRAMLINK"})
-    checkPart("adapter", directory + "/" + adapter, findings);
+    checkPart("adapter", directory + "/" + adapter, results);
 }
 
 }  // namespace forgeyard::console

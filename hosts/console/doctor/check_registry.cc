@@ -34,7 +34,7 @@ bool isUnderstood(std::string_view raw) {
 }
 
 // The lines of the file that a reader passes over.
-void checkLines(const std::string& file, const std::string& text, Findings& findings) {
+void checkLines(const std::string& file, const std::string& text, CheckResults& results) {
   std::size_t number = 0;
   std::size_t told = 0;
   std::string_view rest = text;
@@ -48,10 +48,10 @@ void checkLines(const std::string& file, const std::string& text, Findings& find
     const std::string_view line = raw.substr(0, raw.find_last_not_of("\r\n") + 1);
     what.append(line.substr(0, kMostBytes)).append(line.size() > kMostBytes ? "..." : "");
     what += "\" is not understood";
-    findings.warning(kSubject, what, "Write [KEY], NAME=TEXT or ; COMMENT, or take the line out.");
+    results.warning(kSubject, what, "Write [KEY], NAME=TEXT or ; COMMENT, or take the line out.");
   }
   if (told > kMostLines)
-    findings.warning(kSubject, std::to_string(told - kMostLines) + " more such lines", "See above.");
+    results.warning(kSubject, std::to_string(told - kMostLines) + " more such lines", "See above.");
 }
 
 bool canBeReplaced(const std::string& file) {
@@ -75,35 +75,35 @@ bool isComplete(const Registry& registry) {
   return completed.text() == registry.text() && ::access(registeredModule(registry).c_str(), F_OK) == 0;
 }
 
-void checkPresent(const std::string& file, const Registry& registry, Findings& findings) {
+void checkPresent(const std::string& file, const Registry& registry, CheckResults& results) {
   const bool whole = isComplete(registry);
   if (canBeReplaced(file)) {
-    findings.ok(kSubject, file + (whole ? "" : "; the next command enters what is missing in it"));
+    results.ok(kSubject, file + (whole ? "" : "; the next command enters what is missing in it"));
   } else if (whole) {
-    findings.warning(kSubject, file + " can't be written: targets can't be changed",
-                     "Make the file and its directory writable: chmod u+w");
+    results.warning(kSubject, file + " can't be written: targets can't be changed",
+                    "Make the file and its directory writable: chmod u+w");
   } else {
-    findings.problem(kSubject, file + " lacks entries and can't be written",
-                     "Make the file and its directory writable: chmod u+w");
+    results.problem(kSubject, file + " lacks entries and can't be written",
+                    "Make the file and its directory writable: chmod u+w");
   }
-  checkLines(file, registry.text(), findings);
+  checkLines(file, registry.text(), results);
 }
 
-void checkMissing(const std::string& file, Findings& findings) {
-  if (canBeMade(file)) return findings.ok(kSubject, file + ": not there yet; the next command makes it");
-  findings.problem(kSubject, file + " is not there and can't be made",
-                   "Make its directory writable, or name another file with FORGEYARD_REGISTRY.");
+void checkMissing(const std::string& file, CheckResults& results) {
+  if (canBeMade(file)) return results.ok(kSubject, file + ": not there yet; the next command makes it");
+  results.problem(kSubject, file + " is not there and can't be made",
+                  "Make its directory writable, or name another file with FORGEYARD_REGISTRY.");
 }
 
-void checkUnreadable(const RegistryError& error, Findings& findings) {
+void checkUnreadable(const RegistryError& error, CheckResults& results) {
   const bool denied = error.code == EACCES || error.code == EPERM;
-  findings.problem(kSubject, error.message,
-                   denied ? "Make it readable: chmod u+rw"
-                          : "Move it away; the next command makes a new one. \"forgeyard target add\" enters "
-                            "targets again.");
+  results.problem(kSubject, error.message,
+                  denied ? "Make it readable: chmod u+rw"
+                         : "Move it away; the next command makes a new one. \"forgeyard target add\" enters "
+                           "targets again.");
 }
 
-void checkDrives(const Registry& registry, Findings& findings) {
+void checkDrives(const Registry& registry, CheckResults& results) {
   const auto drives = registry.open(DRIVES);
   if (!drives) return;
   for (const std::string& name : drives->valueNames()) {
@@ -113,13 +113,12 @@ void checkDrives(const Registry& registry, Findings& findings) {
     HostPaths table;
     std::error_code error;
     if (!table.mapDrive(std::string_view(name), directory)) {
-      findings.warning("drive", what + ", which maps nothing",
-                       "Write a letter and an absolute directory: C:=/home/me/c");
+      results.warning("drive", what + ", which maps nothing",
+                      "Write a letter and an absolute directory: C:=/home/me/c");
     } else if (!fs::is_directory(directory, error)) {
-      findings.warning("drive", what + ", which is no directory",
-                       "Make the directory, or mend the registry.");
+      results.warning("drive", what + ", which is no directory", "Make the directory, or mend the registry.");
     } else {
-      findings.ok("drive", what);
+      results.ok("drive", what);
     }
   }
 }
@@ -127,10 +126,10 @@ void checkDrives(const Registry& registry, Findings& findings) {
 }  // namespace
 
 void checkAbsolute(const std::string& subject, const std::string& path, const std::string& variables,
-                   Findings& findings) {
+                   CheckResults& results) {
   if (fs::path(path).is_absolute()) return;
-  findings.warning(subject, path + " is relative: it is another one in every directory",
-                   "Set " + variables + " to an absolute path.");
+  results.warning(subject, path + " is relative: it is another one in every directory",
+                  "Set " + variables + " to an absolute path.");
 }
 
 bool canBeMade(const std::string& file) {
@@ -140,28 +139,27 @@ bool canBeMade(const std::string& file) {
   return fs::is_directory(directory, error) && ::access(directory.c_str(), W_OK | X_OK) == 0;
 }
 
-Registry checkRegistry(Findings& findings) {
+Registry checkRegistry(CheckResults& results) {
   const std::string file = Registry::defaultFile();
   std::optional<RegistryError> error;
   Registry registry;
   if (file.empty()) {
-    findings.problem(kSubject, "There is no place for it",
-                     "Set HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY.");
+    results.problem(kSubject, "There is no place for it", "Set HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY.");
   } else {
-    checkAbsolute(kSubject, file, "HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY", findings);
+    checkAbsolute(kSubject, file, "HOME, XDG_CONFIG_HOME or FORGEYARD_REGISTRY", results);
     registry = Registry::load(file, &error);
     if (error) {
-      checkUnreadable(*error, findings);
+      checkUnreadable(*error, results);
     } else if (::access(file.c_str(), F_OK) != 0) {
-      checkMissing(file, findings);
+      checkMissing(file, results);
     } else {
-      checkPresent(file, registry, findings);
+      checkPresent(file, registry, results);
     }
     if (const auto holder = findLockHolder(file + ".lock"))
-      findings.warning(kSubject, toText(*holder) + " is writing it; changes of it wait",
-                       holder->stopped ? "That process is stopped: let it go on (fg), or end it." : "");
+      results.warning(kSubject, toText(*holder) + " is writing it; changes of it wait",
+                      holder->stopped ? "That process is stopped: let it go on (fg), or end it." : "");
   }
-  checkDrives(registry, findings);
+  checkDrives(registry, results);
   complete(registry);
   return registry;
 }

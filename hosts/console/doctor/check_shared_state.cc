@@ -28,98 +28,98 @@ std::string modeOf(const std::string& path) {
   return text.data();
 }
 
-void checkBuilds(const std::string& directory, Findings& findings) {
+void checkBuilds(const std::string& directory, CheckResults& results) {
   const auto holder = findLockHolder(directory + kBuildMutex);
-  if (!holder) return findings.ok("builds", "none is running");
+  if (!holder) return results.ok("builds", "none is running");
   if (holder->stopped) {
-    return findings.warning(
+    return results.warning(
         "builds", toText(*holder) + " is stopped in the midst of one; all others wait for it",
         "Let it go on (fg), or end it: kill -CONT, or kill -KILL, " + std::to_string(holder->process));
   }
-  findings.ok("builds", toText(*holder) + " is running a tool; others take turns with it");
+  results.ok("builds", toText(*holder) + " is running a tool; others take turns with it");
 }
 
 // Who has a file open that only one host can have.
-void checkHolder(const std::string& subject, const std::string& file, Findings& findings) {
+void checkHolder(const std::string& subject, const std::string& file, CheckResults& results) {
   const auto holder = findLockHolder(file);
   if (!holder) return;
-  findings.warning(subject, inUse(file),
-                   holder->stopped ? "That process is stopped: let it go on (fg), or end it."
-                                   : "Wait for it, or stop its build: forgeyard stop");
+  results.warning(subject, inUse(file),
+                  holder->stopped ? "That process is stopped: let it go on (fg), or end it."
+                                  : "Wait for it, or stop its build: forgeyard stop");
 }
 
 // A file that commands read and write.
-void checkFile(const std::string& subject, const std::string& file, Findings& findings) {
+void checkFile(const std::string& subject, const std::string& file, CheckResults& results) {
   struct stat status {};
   ::stat(file.c_str(), &status);
   // Such a file counts as read-only for a superuser too.
   const bool marked = (status.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0;
   if (!S_ISREG(status.st_mode)) {
-    findings.warning(subject, file + " is no regular file", "Name another one.");
+    results.warning(subject, file + " is no regular file", "Name another one.");
   } else if (::access(file.c_str(), R_OK) != 0) {
-    findings.warning(subject, file + " can't be read", "chmod u+rw it.");
+    results.warning(subject, file + " can't be read", "chmod u+rw it.");
   } else if (marked || ::access(file.c_str(), W_OK) != 0) {
-    findings.warning(subject, file + " is read-only", "chmod u+w it, or check it out for writing.");
+    results.warning(subject, file + " is read-only", "chmod u+w it, or check it out for writing.");
   } else {
-    findings.ok(subject, file);
+    results.ok(subject, file);
   }
-  checkHolder(subject, file, findings);
+  checkHolder(subject, file, results);
 }
 
-void checkWorkspace(const Options& options, Findings& findings) {
+void checkWorkspace(const Options& options, CheckResults& results) {
   const std::string file = WorkspaceFile::fileFor(options.workspace);
   if (file.empty()) {
-    findings.warning("workspace", "There is no place for it",
-                     "Set HOME, XDG_DATA_HOME or FORGEYARD_WORKSPACE.");
+    results.warning("workspace", "There is no place for it",
+                    "Set HOME, XDG_DATA_HOME or FORGEYARD_WORKSPACE.");
   } else if (::access(file.c_str(), F_OK) == 0) {
-    checkFile("workspace", file, findings);
+    checkFile("workspace", file, results);
   } else if (canBeMade(file)) {
-    findings.ok("workspace", file + ": not there yet; \"workspace add\" makes it");
+    results.ok("workspace", file + ": not there yet; \"workspace add\" makes it");
   } else {
-    findings.warning("workspace", file + " is not there and can't be made",
-                     "Make its directory writable, or name another file with -w or FORGEYARD_WORKSPACE.");
+    results.warning("workspace", file + " is not there and can't be made",
+                    "Make its directory writable, or name another file with -w or FORGEYARD_WORKSPACE.");
   }
 }
 
-void checkProject(const Options& options, Findings& findings) {
+void checkProject(const Options& options, CheckResults& results) {
   if (options.project.empty() && !isProjectFileHere()) return;
   try {
-    checkFile("project", existingProjectFile(options.project).host, findings);
+    checkFile("project", existingProjectFile(options.project).host, results);
   } catch (const Failure& failure) {
-    findings.warning("project", failure.what(), "");
+    results.warning("project", failure.what(), "");
   }
 }
 
 }  // namespace
 
-void checkRuntimeDirectory(Findings& findings) {
+void checkRuntimeDirectory(CheckResults& results) {
   constexpr const char* kSubject = "runtime";
   const std::string directory = runtimeDirectoryName();
-  checkAbsolute(kSubject, directory, "FORGEYARD_RUNTIME_DIR or XDG_RUNTIME_DIR", findings);
+  checkAbsolute(kSubject, directory, "FORGEYARD_RUNTIME_DIR or XDG_RUNTIME_DIR", results);
   if (::access(directory.c_str(), F_OK) != 0 && errno == ENOENT) {
     // Only its last part is made by itself.
     const std::string parent = std::filesystem::absolute(directory).parent_path().string();
     if (::access(parent.c_str(), W_OK | X_OK) == 0)
-      return findings.ok(kSubject, directory + ": not there yet; the next build makes it");
-    return findings.problem(kSubject, directory + " is not there and can't be made",
-                            "Make " + parent + " writable, or name another with FORGEYARD_RUNTIME_DIR.");
+      return results.ok(kSubject, directory + ": not there yet; the next build makes it");
+    return results.problem(kSubject, directory + " is not there and can't be made",
+                           "Make " + parent + " writable, or name another with FORGEYARD_RUNTIME_DIR.");
   }
   try {
     requireOwnRuntimeDirectory(directory);
   } catch (const std::system_error& error) {
-    return findings.problem(kSubject, error.what(),
-                            "It has to be a directory of your own that nobody else can write: chmod 700, or "
-                            "name another one with FORGEYARD_RUNTIME_DIR.");
+    return results.problem(kSubject, error.what(),
+                           "It has to be a directory of your own that nobody else can write: chmod 700, or "
+                           "name another one with FORGEYARD_RUNTIME_DIR.");
   }
   if (::access(directory.c_str(), R_OK | W_OK | X_OK) != 0)
-    return findings.problem(kSubject, directory + " can't be written", "chmod 700 it.");
-  findings.ok(kSubject, directory + ", yours, mode " + modeOf(directory));
-  checkBuilds(directory, findings);
+    return results.problem(kSubject, directory + " can't be written", "chmod 700 it.");
+  results.ok(kSubject, directory + ", yours, mode " + modeOf(directory));
+  checkBuilds(directory, results);
 }
 
-void checkFiles(const Options& options, Findings& findings) {
-  checkWorkspace(options, findings);
-  checkProject(options, findings);
+void checkFiles(const Options& options, CheckResults& results) {
+  checkWorkspace(options, results);
+  checkProject(options, results);
 }
 
 }  // namespace forgeyard::console

@@ -27,7 +27,8 @@ std::string installAdvice(const std::vector<std::string>& missing, const std::st
 // One tool of a target. Whether it can be started.
 class ToolCheck {
  public:
-  ToolCheck(std::string adapters, Findings& findings) : adapters_(std::move(adapters)), findings_(findings) {}
+  ToolCheck(std::string adapters, CheckResults& results)
+      : adapters_(std::move(adapters)), findings_(results) {}
 
   bool check(const Target& target, const std::string& tool, const std::string& commandLine) {
     const std::vector<ToolProgram> programs = programsOf(commandLine, adapters_);
@@ -62,44 +63,44 @@ class ToolCheck {
   }
 
   std::string adapters_;
-  Findings& findings_;
+  CheckResults& findings_;
 };
 
-void checkLinker(const Registry& registry, Findings& findings) {
+void checkLinker(const Registry& registry, CheckResults& results) {
   const std::string linker = registeredLinker(registry);
   if (linker.empty())
-    return findings.ok("linker", "none is entered; projects without a linker component need none");
+    return results.ok("linker", "none is entered; projects without a linker component need none");
   const std::string program = linkerProgram(linker);
   if (const auto path = findProgram(program)) {
     const std::string version = programVersion(*path);
-    return findings.ok("linker", linker + "  [" + *path + (version.empty() ? "" : ", " + version) + "]");
+    return results.ok("linker", linker + "  [" + *path + (version.empty() ? "" : ", " + version) + "]");
   }
-  findings.warning("linker", linker + ": " + program + " is not found: linker components can't run",
-                   installAdvice({program}, "enter another with: forgeyard target add NAME --linker TEXT"));
+  results.warning("linker", linker + ": " + program + " is not found: linker components can't run",
+                  installAdvice({program}, "enter another with: forgeyard target add NAME --linker TEXT"));
 }
 
 }  // namespace
 
-void checkTools(const Registry& registry, Findings& findings) {
-  ToolCheck tools(adapterDirectory(registry), findings);
+void checkTools(const Registry& registry, CheckResults& results) {
+  ToolCheck tools(adapterDirectory(registry), results);
   const std::vector<Target> targets = registeredTargets(registry);
   bool anyCompiler = false;
   for (const Target& target : targets) {
     if (target.compiler.empty() && target.assembler.empty()) {
-      findings.warning("target", target.name + " has neither compiler nor assembler",
-                       "forgeyard target add " + target.name + " --compiler \"gnu-cc gcc\"");
+      results.warning("target", target.name + " has neither compiler nor assembler",
+                      "forgeyard target add " + target.name + " --compiler \"gnu-cc gcc\"");
     }
     if (!target.compiler.empty()) anyCompiler |= tools.check(target, "compiler", target.compiler);
     if (!target.assembler.empty()) tools.check(target, "assembler", target.assembler);
   }
   if (targets.empty()) {
-    findings.problem(
+    results.problem(
         "target", "There are no targets",
         "apt install gcc, then: forgeyard target detect; or enter one with: forgeyard target add");
   } else if (!anyCompiler) {
-    findings.problem("target", "No target has a compiler that can be started", "See the lines above.");
+    results.problem("target", "No target has a compiler that can be started", "See the lines above.");
   }
-  checkLinker(registry, findings);
+  checkLinker(registry, results);
 }
 
 }  // namespace forgeyard::console

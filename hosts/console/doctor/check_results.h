@@ -7,7 +7,7 @@
 namespace forgeyard::console {
 
 // What the doctor has looked at, and how it stands.
-struct Finding {
+struct CheckResult {
   enum class State : std::uint8_t {
     Ok,
     Warning,  // something can't be used, or soon won't be
@@ -21,25 +21,25 @@ struct Finding {
 };
 
 // "ok", "warning" or "problem".
-const char* toText(Finding::State state);
+const char* toText(CheckResult::State state);
 
-class Findings {
+class CheckResults {
  public:
   void ok(std::string subject, std::string text) {
-    all_.push_back({Finding::State::Ok, std::move(subject), std::move(text), ""});
+    all_.push_back({CheckResult::State::Ok, std::move(subject), std::move(text), ""});
   }
   void warning(std::string subject, std::string text, std::string advice) {
-    all_.push_back({Finding::State::Warning, std::move(subject), std::move(text), std::move(advice)});
+    all_.push_back({CheckResult::State::Warning, std::move(subject), std::move(text), std::move(advice)});
   }
   void problem(std::string subject, std::string text, std::string advice) {
-    all_.push_back({Finding::State::Problem, std::move(subject), std::move(text), std::move(advice)});
+    all_.push_back({CheckResult::State::Problem, std::move(subject), std::move(text), std::move(advice)});
   }
 
-  const std::vector<Finding>& all() const { return all_; }
-  std::size_t count(Finding::State state) const;
+  const std::vector<CheckResult>& all() const { return all_; }
+  std::size_t count(CheckResult::State state) const;
 
  private:
-  std::vector<Finding> all_;
+  std::vector<CheckResult> all_;
 };
 
 }  // namespace forgeyard::console
