@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """Checks that includes run downward: each layer includes only the layers named for it here, an include is written
-from the project's root, names a file that exists, and no header reaches itself again."""
+from the project's root, names a file that exists, and no header reaches itself again. Of what one program is made of,
+no two headers give one name in one namespace to two types: the linker takes one of them for both, without a word."""
 
 import re
 import sys
@@ -38,6 +39,11 @@ ADAPTERS_SHARE = "adapters/common"
 # These may include anything, and no layer includes them.
 OUTSIDE = ["tests", "bench", "fuzz"]
 
+# Linked into one shared object.
+MODULE = ["engine", "model", "tools", "sourcecontrol", "ui", "plugin"]
+
+NAMESPACE = re.compile(r"^namespace ([\w:]+) \{$")
+TYPE = re.compile(r"^(?:struct|class|enum class|enum) (\w+)(?: final)?(?: : .*| :| \{.*)?$")
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 
 
@@ -96,6 +102,35 @@ def circle(graph):
     return next((found for path in graph if (found := visit(path))), [])
 
 
+def types_of(path):
+    """The types that a header defines in a namespace: line, full name."""
+    namespaces = []
+    for number, line in enumerate((ROOT / path).read_text().splitlines(), 1):
+        if match := NAMESPACE.match(line):
+            namespaces.append(match[1])
+        elif line.startswith("}  // namespace"):
+            namespaces.pop()
+        elif match := TYPE.match(line):
+            yield number, "::".join([*namespaces, match[1]])
+
+
+def one_program(first, second):
+    """Whether both may be linked into one program: the small ones share nothing with the module but what is below."""
+    small = [layer_of(path) in ("adapters", "spawner") for path in (first, second)]
+    module = [layer_of(path) in MODULE for path in (first, second)]
+    return not (small[0] and module[1] or small[1] and module[0])
+
+
+def double_types(headers):
+    seen = {}
+    for path in headers:
+        for number, name in types_of(path):
+            for other in seen.setdefault(name, []):
+                if one_program(path, other):
+                    yield f"{path}:{number}: {name} is another type in {other}"
+            seen[name].append(path)
+
+
 def main():
     faults, graph = [], {}
     for file in sources():
@@ -107,6 +142,7 @@ def main():
                 faults.append(f'{path}:{number}: "{target}": {wrong}')
     if found := circle(graph):
         faults.append("headers in a circle: " + " -> ".join(found))
+    faults += double_types(path for path in graph if path.endswith(".h") and layer_of(path) in LAYERS)
     print("\n".join(faults) if faults else f"{len(graph)} files include downward only")
     return 1 if faults else 0
 
