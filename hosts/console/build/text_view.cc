@@ -1,5 +1,6 @@
 #include "hosts/console/build/text_view.h"
 
+#include "hosts/console/base/words.h"
 #include "hosts/console/session/session.h"
 
 namespace forgeyard::console {
@@ -32,10 +33,6 @@ std::string coloured(const BString& text, const Diagnostic& diagnostic) {
   return marked(piece(0, diagnostic.placeEnd), kBold) + piece(diagnostic.placeEnd, diagnostic.wordBegin) +
          marked(piece(diagnostic.wordBegin, diagnostic.wordEnd), colourOf(diagnostic.severity)) +
          piece(diagnostic.wordEnd, text.size());
-}
-
-std::string counted(std::size_t count, const std::string& word) {
-  return std::to_string(count) + " " + word + (count == 1 ? "" : "s");
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <unordered_set>
 
 #include "hosts/console/base/report.h"
+#include "hosts/console/base/words.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/project/open_project.h"
 #include "hosts/console/project/source_files.h"
@@ -82,8 +83,7 @@ void reportAdded(LineWriter& out, const std::vector<FolderContents>& before) {
   for (const FolderContents& folder : before) {
     const std::size_t added = static_cast<std::size_t>(countOf(*folder.list)) - folder.files.size();
     if (added == 0) continue;
-    out.line(folder.folder.name + ": " + std::to_string(added) +
-             (added == 1 ? " file added" : " files added"));
+    out.line(folder.folder.name + ": " + counted(added, "file") + " added");
   }
 }
 

@@ -6,6 +6,7 @@
 
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
+#include "hosts/console/base/words.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/import/database_import.h"
 #include "hosts/console/import/project_maker.h"
@@ -112,10 +113,6 @@ void showPlan(LineWriter& out, const ImportPlan& plan, const ProjectFile& file, 
     line(tool.kind + " " + tool.name + ", fed by " + enumeration(tool.inputs));
     settings(tool.settings);
   }
-}
-
-std::string counted(std::size_t count, const std::string& noun) {
-  return std::to_string(count) + " " + noun + (count == 1 ? "" : "s");
 }
 
 void showMade(LineWriter& out, const ImportPlan& plan, const ProjectFile& file) {
