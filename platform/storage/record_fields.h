@@ -99,7 +99,7 @@ class RecordStreams {
 // Inside the module only, offered by objects whose record is part of another one.
 struct IRecord : IUnknown {
   using Base = IUnknown;
-  static constexpr Guid iid = guid("5B2D704C-93C4-4E6F-A8D1-2F60C1B49E01");
+  static constexpr Guid iid = guid("5B2D7082-93C4-4E6F-A8D1-2F60C1B49E01");
 
   virtual void describe(RecordFields& fields) = 0;
 };
