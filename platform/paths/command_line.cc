@@ -1,96 +1,93 @@
 #include "platform/paths/command_line.h"
 
 #include <cstddef>
+#include <iterator>
 #include <utility>
+
+#include "platform/paths/word_cutter.h"
 
 namespace forgeyard {
 namespace {
 
-bool isBlank(char c) {
-  return c == ' ' || c == '\t';
-}
+constexpr std::string_view kBlanks = " \t";
 
-void skipBlanks(std::string_view& line) {
-  while (!line.empty() && isBlank(line.front())) line.remove_prefix(1);
-}
+struct PlainBytes {
+  std::string_view text;
 
-std::string takeProgram(std::string_view& line) {
-  if (line.starts_with('"')) {
-    line.remove_prefix(1);
-    const std::size_t end = line.find('"');
-    std::string program(line.substr(0, end));
-    line.remove_prefix(end == line.npos ? line.size() : end + 1);
-    return program;
+  bool has(std::size_t i) const noexcept { return i < text.size(); }
+  char at(std::size_t i) const noexcept { return text[i]; }
+  static bool isLiteral(std::size_t, bool) noexcept { return false; }
+};
+
+struct PlainWords {
+  std::string_view text;
+  std::vector<std::string> list{};
+  std::string word{};
+
+  void addByte(std::size_t i) { word += text[i]; }
+  void addBackslash() { word += '\\'; }
+  void endWord() { list.push_back(std::exchange(word, {})); }
+};
+
+struct MarkedBytes {
+  const MarkedText& command;
+  NamesHold hold;
+
+  bool has(std::size_t i) const noexcept { return i < command.text.size(); }
+  char at(std::size_t i) const noexcept { return command.text[i]; }
+  bool isLiteral(std::size_t i, bool quoted) const noexcept {
+    return command.marks[i] != MarkedText::kPlainText && (quoted || hold == NamesHold::Everywhere);
   }
-  std::size_t end = 0;
-  while (end < line.size() && !isBlank(line[end])) ++end;
-  std::string program(line.substr(0, end));
-  line.remove_prefix(end);
-  return program;
+};
+
+struct MarkedWords {
+  const MarkedText& command;
+  std::vector<MarkedText> list{};
+  MarkedText word{};
+
+  void addByte(std::size_t i) { word.append({&command.text[i], 1}, command.marks[i]); }
+  void addBackslash() { word.append("\\", MarkedText::kPlainText); }
+  void endWord() { list.push_back(std::exchange(word, {})); }
+};
+
+// The program first.
+template <class Bytes, class Words>
+auto cutCommand(const Bytes& bytes, Words words, bool afterBlanks) {
+  WordCutter cutter(bytes, words);
+  if (afterBlanks) cutter.skipBlanks();
+  cutter.takeProgram();
+  cutter.takeArguments();
+  return std::move(words.list);
 }
 
-// Takes a run of backslashes and, if it makes it plain text, the double quote behind it.
-void takeBackslashes(std::string_view& line, std::string& argument) {
-  std::size_t count = 0;
-  while (count < line.size() && line[count] == '\\') ++count;
-  const bool beforeQuote = count < line.size() && line[count] == '"';
-  argument.append(beforeQuote ? count / 2 : count, '\\');
-  line.remove_prefix(count);
-  if (beforeQuote && count % 2 != 0) {
-    argument += '"';
-    line.remove_prefix(1);
-  }
-}
-
-std::string takeArgument(std::string_view& line) {
-  std::string argument;
-  bool quoted = false;
-  while (!line.empty() && (quoted || !isBlank(line.front()))) {
-    if (line.front() == '\\') {
-      takeBackslashes(line, argument);
-      // A quote that is left behind an even run of backslashes is a quote like any other.
-      continue;
-    }
-    if (line.front() != '"') {
-      argument += line.front();
-    } else if (quoted && line.size() > 1 && line[1] == '"') {
-      argument += '"';
-      quoted = false;
-      line.remove_prefix(1);
-    } else {
-      quoted = !quoted;
-    }
-    line.remove_prefix(1);
-  }
-  return argument;
-}
-
-void takeArguments(std::string_view line, std::vector<std::string>& arguments) {
-  for (skipBlanks(line); !line.empty(); skipBlanks(line)) arguments.push_back(takeArgument(line));
+template <class Command, class List>
+Command commandOf(List&& words) {
+  Command command;
+  command.program = std::move(words.front());
+  command.arguments.assign(std::make_move_iterator(words.begin() + 1), std::make_move_iterator(words.end()));
+  return command;
 }
 
 }  // namespace
 
 std::vector<std::string> CommandLineToArgvW(std::string_view commandLine) {
-  std::vector<std::string> arguments;
-  if (commandLine.empty()) return arguments;
-  arguments.push_back(takeProgram(commandLine));
-  takeArguments(commandLine, arguments);
-  return arguments;
+  if (commandLine.empty()) return {};
+  return cutCommand(PlainBytes{commandLine}, PlainWords{commandLine}, false);
 }
 
 ToolCommand splitToolCommand(std::string_view command) {
-  ToolCommand tool;
-  skipBlanks(command);
-  tool.program = takeProgram(command);
-  takeArguments(command, tool.arguments);
-  return tool;
+  return commandOf<ToolCommand>(cutCommand(PlainBytes{command}, PlainWords{command}, true));
+}
+
+MarkedCommand splitMarkedCommand(const MarkedText& command, NamesHold hold) {
+  return commandOf<MarkedCommand>(cutCommand(MarkedBytes{command, hold}, MarkedWords{command}, true));
 }
 
 std::vector<std::string> splitArguments(std::string_view text) {
-  std::vector<std::string> arguments;
-  takeArguments(text, arguments);
-  return arguments;
+  const PlainBytes bytes{text};
+  PlainWords words{text};
+  WordCutter(bytes, words).takeArguments();
+  return std::move(words.list);
 }
 
 std::string quoteArgument(std::string_view argument) {
@@ -105,6 +102,17 @@ std::string quoteArgument(std::string_view argument) {
   result.append(backslashes, '\\');
   result += '"';
   return result;
+}
+
+std::optional<std::string> joinToolCommand(const ToolCommand& command) {
+  std::string text = command.program;
+  if (text.empty()) return std::nullopt;
+  if (text.find_first_of(kBlanks) != text.npos || text.front() == '"') {
+    if (text.find('"') != text.npos) return std::nullopt;
+    text = '"' + text + '"';
+  }
+  for (const std::string& argument : command.arguments) text.append(" ").append(quoteArgument(argument));
+  return text;
 }
 
 }  // namespace forgeyard
