@@ -1,12 +1,12 @@
-// The program's entry point where the processor is known: starts a simple command before the C library is up.
+// The program's entry point where the processor is known: starts a command before the C library is up.
 //
-// Bringing a static C library up costs three times as much as all that the spawner does for a plain command,
-// and in a virtual machine far more (it asks the processor for its features some forty times, and each answer
-// comes from the hypervisor); and the spawner runs once for every tool of every build. So a command that
-// needs no quoting rules and no table from the registry is split, found, started and watched from here by
-// code that needs no library. Every other command, and every mistake, goes on to the ordinary start and
-// main().
+// Starting a static C library takes three times as long as all that the spawner does for a command, and far
+// longer in a virtual machine (it asks the processor for its features some forty times, and the hypervisor
+// answers each time); and the spawner runs once for every tool of every build. So a command that needs
+// nothing from the registry is split, found, started and watched from here by code that needs no library.
+// Every other command, and every mistake, goes on to the ordinary start and main().
 
+#include "platform/paths/word_cutter.h"
 #include "spawner/kernel.h"
 #include "spawner/tool_run.h"
 #include "spawner/tool_search.h"
@@ -14,40 +14,68 @@
 namespace forgeyard {
 namespace {
 
-constexpr int MAXIMUM_WORDS = 4096;
+constexpr int kMaximumWords = 4096;
 
-bool isBlank(char c) noexcept {
-  return c == ' ' || c == '\t';
-}
+struct CommandBytes {
+  const char* text;
 
-// A command without a double quote is cut at its blanks and nothing else.
+  bool has(unsigned long i) const noexcept { return text[i] != '\0'; }
+  char at(unsigned long i) const noexcept { return text[i]; }
+  static bool isLiteral(unsigned long, bool) noexcept { return false; }
+};
+
+// Collects the first word and leaves the command alone.
+struct NameWord {
+  const char* command;
+  PathBuffer& name;
+
+  void addByte(unsigned long i) noexcept { name.add(command[i]); }
+  void addBackslash() noexcept { name.add('\\'); }
+  static void endWord() noexcept {}
+};
+
+// Writes the words over the command itself: a word is never longer than its spelling, and what is overwritten
+// has been read.
+struct WordsInPlace {
+  char* command;
+  const char** words;
+  int count = 0;
+  unsigned long start = 0;
+  unsigned long end = 0;
+
+  void addByte(unsigned long i) noexcept { command[end++] = command[i]; }
+  void addBackslash() noexcept { command[end++] = '\\'; }
+  void endWord() noexcept {
+    command[end++] = '\0';
+    words[count++] = command + start;
+    start = end;
+  }
+};
+
 struct Shape {
-  bool quotes = false;
   bool backslashes = false;
-  int words = 0;
+  int blanks = 0;
 };
 
 Shape shapeOf(const char* command) noexcept {
   Shape shape;
-  for (const char* at = command; *at; ++at) {
-    if (*at == '"') shape.quotes = true;
-    if (*at == '\\') shape.backslashes = true;
-    if (!isBlank(*at) && (at == command || isBlank(at[-1]))) ++shape.words;
+  for (; *command; ++command) {
+    if (*command == '\\') shape.backslashes = true;
+    if (*command == ' ' || *command == '\t') ++shape.blanks;
   }
   return shape;
 }
 
 // False for a name that needs a look at the registry or is an option of ours.
-bool takeProgramName(const char* command, PathBuffer& name, bool& hasDirectory) noexcept {
-  for (; *command && !isBlank(*command); ++command) {
-    if (*command == '\\' || *command == ':') return false;
-    if (*command == '/') hasDirectory = true;
-    name.add(*command);
+bool isPlainName(const PathBuffer& name, bool& hasDirectory) noexcept {
+  for (const char* at = name.text(); *at; ++at) {
+    if (*at == '\\' || *at == ':') return false;
+    if (*at == '/') hasDirectory = true;
   }
-  return !startsWith(name.text(), "--") && !name.wasCut();
+  return name.size() > 0 && !name.wasCut() && !startsWith(name.text(), "--");
 }
 
-// The program's file, if it can be told without the registry whether the arguments stay as they are.
+// The program's file, if the registry isn't needed to know whether the arguments stay as they are.
 bool findProgram(const PathBuffer& name, bool hasDirectory, bool backslashes, const char* const* environment,
                  PathBuffer& file) noexcept {
   if (hasDirectory) {
@@ -60,40 +88,38 @@ bool findProgram(const PathBuffer& name, bool hasDirectory, bool backslashes, co
   return found == Found::OwnDirectory || (found == Found::Path && !backslashes);
 }
 
-void splitInPlace(char* command, const char** words) noexcept {
-  int count = 0;
-  for (char* at = command; *at; ++at) {
-    if (isBlank(*at)) {
-      *at = '\0';
-    } else if (at == command || at[-1] == '\0') {
-      words[count++] = at;
-    }
-  }
-  words[count] = nullptr;
-}
-
 }  // namespace
 
 // `stack` is what the kernel puts there for a new program: count, arguments, null, environment, null.
-// Returns, with nothing changed, for a command that is none of its business.
+// Returns, with nothing changed, for a command that it leaves to main().
 extern "C" void tideSpawnQuickStart(long* stack) noexcept {
   char** const arguments = reinterpret_cast<char**>(stack + 1);
   const char* const* const environment = arguments + stack[0] + 1;
   if (stack[0] != 2) return;
-  char* command = arguments[1];
-  while (isBlank(*command)) ++command;
+  char* const command = arguments[1];
   const Shape shape = shapeOf(command);
-  if (shape.quotes || shape.words == 0 || shape.words >= MAXIMUM_WORDS) return;
+  // A word more than there are blanks, and one more after a program's closing quote.
+  if (shape.blanks + 3 > kMaximumWords) return;
 
+  const CommandBytes bytes{command};
   PathBuffer name;
+  NameWord nameWord{command, name};
+  WordCutter start(bytes, nameWord);
+  start.skipBlanks();
+  const unsigned long programStart = start.position();
+  start.takeProgram();
   PathBuffer file;
   bool hasDirectory = false;
-  if (!takeProgramName(command, name, hasDirectory)) return;
+  if (!isPlainName(name, hasDirectory)) return;
   if (!findProgram(name, hasDirectory, shape.backslashes, environment, file)) return;
 
-  static const char* words[MAXIMUM_WORDS];
-  splitInPlace(command, words);
-  kernel::exit(runTool({file.text(), name.text(), words, environment}));
+  static const char* list[kMaximumWords];
+  WordsInPlace words{command, list};
+  WordCutter cutter(bytes, words, programStart);
+  cutter.takeProgram();
+  cutter.takeArguments();
+  list[words.count] = nullptr;
+  kernel::exit(runTool({file.text(), name.text(), list, environment}));
 }
 
 }  // namespace forgeyard
@@ -106,5 +132,5 @@ asm(".globl tideSpawnEntry\n"
     "  and $-16, %rsp\n"
     "  call tideSpawnQuickStart\n"
     "  mov %rbx, %rsp\n"
-    "  xor %edx, %edx\n"  // no function to call at exit: what the kernel itself says
+    "  xor %edx, %edx\n"  // no function to call at exit, as the kernel itself passes
     "  jmp _start\n");

@@ -31,10 +31,17 @@ void openStandardDescriptors() noexcept {
   }
 }
 
-void closeOthers() noexcept {
-  constexpr int FIRST = STDERR_FILENO + 1;
-  if (kernel::call(SYS_close_range, FIRST, ~0U, 0) >= 0) return;
-  for (int fd = FIRST; fd < 1024; ++fd) kernel::close(fd);  // kernels before 5.9
+// The last included.
+void closeRange(int first, unsigned last) noexcept {
+  if (kernel::call(SYS_close_range, first, last, 0) >= 0) return;
+  // Kernels before 5.9.
+  for (int fd = first; fd < 1024 && static_cast<unsigned>(fd) <= last; ++fd) kernel::close(fd);
+}
+
+void closeOthers(int kept) noexcept {
+  constexpr int kFirst = STDERR_FILENO + 1;
+  if (kept > kFirst) closeRange(kFirst, static_cast<unsigned>(kept) - 1);
+  closeRange(kept >= kFirst ? kept + 1 : kFirst, ~0U);
 }
 
 struct Start {
@@ -98,7 +105,7 @@ int ToolRun::run() noexcept {
 }
 
 void ToolRun::prepare() noexcept {
-  closeOthers();
+  closeOthers(plan_.keptDescriptor);
   openStandardDescriptors();
   // An ignored SIGCHLD would lose the exit code, an ignored SIGPIPE would be handed on to the tool.
   kernel::restoreDefault(SIGCHLD);

@@ -8,6 +8,7 @@ struct ToolPlan {
   const char* name;                // as the command names it, for messages
   const char* const* arguments;    // the program's name first
   const char* const* environment;  // handed on, and asked where the stop event lives
+  int keptDescriptor = -1;         // stays open here, not in the tool; -1: none
 };
 
 // Runs the tool to its end and gives the exit code for this process:
@@ -21,7 +22,7 @@ struct ToolPlan {
 // running is killed: it would keep the output pipe open.
 //
 // Needs nothing of the C library. To be called once, with no other thread about: it changes signal masks and
-// closes every descriptor but the first three.
+// closes every descriptor but the first three and the one that the plan keeps.
 int runTool(const ToolPlan& plan) noexcept;
 
 }  // namespace forgeyard

@@ -10,6 +10,9 @@
 
 #include <array>
 #include <atomic>
+#include <stdexcept>
+
+#include "adapters/common/fitted_command.h"
 
 namespace forgeyard {
 namespace {
@@ -131,10 +134,8 @@ ChildResult resultOf(const std::string& program, int status) {
                                             " (" + (name ? name : "unknown") + ")"};
 }
 
-}  // namespace
-
-ChildResult runChild(const ChildOptions& options) {
-  const std::string& program = options.command.front();
+ChildResult runFitted(const ChildOptions& options, const std::vector<std::string>& words) {
+  const std::string& program = words.front();
   ErrorPipe errors;
   SpawnSettings settings;
   if (!options.standardOutput.empty()) settings.outputTo(options.standardOutput);
@@ -145,7 +146,7 @@ ChildResult runChild(const ChildOptions& options) {
   ::sigprocmask(SIG_BLOCK, &stopping, &before);  // or a signal between start and note would pass the child by
   settings.signalsOf(before);
   pid_t pid = 0;
-  const int error = settings.spawn(pid, argumentList(options.command).data());
+  const int error = settings.spawn(pid, argumentList(words).data());
   if (error == 0) runningChild = pid;
   ::sigprocmask(SIG_SETMASK, &before, nullptr);
   if (error != 0) return startFailure(program, error);
@@ -158,9 +159,29 @@ ChildResult runChild(const ChildOptions& options) {
   return resultOf(program, status);
 }
 
+// A command that is too long for the system is like a program that can't be executed.
+template <class Run>
+ChildResult withFitted(const std::vector<std::string>& command, Run&& run) {
+  try {
+    return run(FittedCommand(command));
+  } catch (const std::runtime_error& failure) {
+    return {ADAPTER_CANNOT_EXECUTE, failure.what()};
+  }
+}
+
+}  // namespace
+
+ChildResult runChild(const ChildOptions& options) {
+  return withFitted(options.command,
+                    [&](const FittedCommand& command) { return runFitted(options, command.words()); });
+}
+
 ChildResult becomeProgram(const std::vector<std::string>& command) {
-  ::execvp(command.front().c_str(), argumentList(command).data());
-  return startFailure(command.front(), errno);
+  return withFitted(command, [&](const FittedCommand& fitted) {
+    if (fitted.responseFile()) fitted.responseFile()->keepOnExec();
+    ::execvp(command.front().c_str(), argumentList(fitted.words()).data());
+    return startFailure(command.front(), errno);
+  });
 }
 
 StopSignals::StopSignals() {

@@ -7,7 +7,7 @@
 
 #include "adapters/common/child.h"
 #include "adapters/common/file_names.h"
-#include "adapters/common/temporary.h"
+#include "adapters/common/memory_file.h"
 #include "adapters/common/whole_file.h"
 #include "adapters/compiler/dependency_file.h"
 
@@ -63,11 +63,12 @@ int report(const ChildResult& result, const Diagnostics& diagnostics) {
 int compileWithDependencies(CompilerCommand command, const std::string& file, HostSpelling& spelling,
                             const Diagnostics& diagnostics) {
   const StopSignals signals;
-  const TemporaryDirectory temporary(diagnostics.program());
+  // Whatever ends this process, nothing of it stays.
+  const MemoryFile memory("dependencies");
   ::unlink(file.c_str());
   std::string list = command.dependencyOutput;
   if (list.empty()) {
-    list = temporary.file("list.d");
+    list = memory.path();
     command.arguments.insert(command.arguments.end(), {"-MF", list});
   }
   if (!command.namesTarget) command.arguments.insert(command.arguments.end(), {"-MT", "x"});
@@ -83,10 +84,22 @@ int compileWithDependencies(CompilerCommand command, const std::string& file, Ho
   return ADAPTER_FAILED;
 }
 
+// One of them may be a program in front of the driver that nobody knows.
+std::string severalSources(const std::vector<std::string>& sources) {
+  std::string text = "-MD is for one source, and these would be several:";
+  for (std::size_t i = 0; i < sources.size() && i < 5; ++i) text += " \"" + sources[i] + '"';
+  if (sources.size() > 5) text += " ...";
+  return text + "; the dependencies would be lost. Compile them one by one, or leave -MD out";
+}
+
 }  // namespace
 
 int compile(CompilerCommand command, HostSpelling& spelling, const Diagnostics& diagnostics) {
   std::optional<std::string> file;
+  if (command.wantsDependencies && command.sources.size() > 1) {
+    diagnostics.error(severalSources(command.sources));
+    return ADAPTER_USAGE;
+  }
   if (command.wantsDependencies && command.sources.size() == 1) {
     file = dependencyFileOf(command.sources.front(), spelling);
   }

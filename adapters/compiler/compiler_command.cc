@@ -4,6 +4,8 @@
 #include <cstddef>
 
 #include "adapters/common/blank_healing.h"
+#include "adapters/common/response_file.h"
+#include "adapters/compiler/driver_words.h"
 
 namespace forgeyard {
 namespace {
@@ -92,11 +94,11 @@ std::string_view stem(std::string_view path) {
 class CommandReader {
  public:
   CommandReader(const std::vector<std::string>& words, HostSpelling& spelling)
-      : words_(words), spelling_(spelling) {}
+      : words_(withResponseFiles(words)), spelling_(spelling) {}
 
   CompilerCommand read() {
-    command_.arguments.push_back(program(words_.front()));
-    for (at_ = 1; at_ < words_.size(); ++at_) readWord(words_[at_]);
+    for (const std::size_t driver = driverIndex(words_); at_ <= driver; ++at_) hand(program(words_[at_]));
+    for (; at_ < words_.size(); ++at_) readWord(words_[at_]);
     return std::move(command_);
   }
 
@@ -108,7 +110,8 @@ class CommandReader {
   void readWord(const std::string& word) {
     if (word == "-MD") command_.wantsDependencies = true;
     if (word.starts_with('@')) {
-      hand("@" + spelling_.path(std::string_view(word).substr(1)));
+      hand("@" +
+           spelling_.path(std::string_view(word).substr(1)));  // it can't be read, which the driver says
     } else if (!word.starts_with('-') || word == "-") {
       readSource(word);
     } else if (const OptionForm* option = findOption(word)) {
@@ -122,7 +125,7 @@ class CommandReader {
     const Healed source =
         healExisting(word, words_, at_, [&](const std::string& path) { return isFile(path); });
     at_ += source.joined;
-    command_.sources.push_back(source.path);
+    if (!isLinkerInput(source.path)) command_.sources.push_back(source.path);
     hand(source.path == "-" ? source.path : spelling_.path(source.path));
   }
 
@@ -199,7 +202,7 @@ class CommandReader {
   bool isFile(const std::string& path) { return spelling_.isFile(path); }
   void hand(std::string word) { command_.arguments.push_back(std::move(word)); }
 
-  const std::vector<std::string>& words_;
+  const std::vector<std::string> words_;
   HostSpelling& spelling_;
   CompilerCommand command_;
   std::size_t at_ = 0;

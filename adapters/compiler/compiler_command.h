@@ -12,15 +12,17 @@ namespace forgeyard {
 // understands.
 struct CompilerCommand {
   std::vector<std::string> arguments;  // the driver first; what asks for dependencies is as it was given
-  std::vector<std::string> sources;    // the input files, as the command spells them
+  std::vector<std::string> sources;    // the files to compile, as the command spells them
   std::string output;                  // host path; empty if the command names none
   bool wantsDependencies = false;      // -MD
   bool namesTarget = false;            // -MT or -MQ
   std::string dependencyOutput;        // host path that -MF names
 };
 
-// `words` is what stands behind the adapter's own name. Options are those of the GNU compiler driver: paths
-// of the options that take one, and input files, are respelled; everything else is handed on word for word.
+// `words` is what follows the adapter's own name: the driver, with launchers like ccache before it or not,
+// and its arguments. Options are those of the GNU compiler driver: paths of the options that take one, and
+// input files, are respelled; response files are replaced by their words; everything else is handed on word
+// for word.
 CompilerCommand readCompilerCommand(const std::vector<std::string>& words, HostSpelling& spelling);
 
 }  // namespace forgeyard

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -85,8 +86,13 @@ class SpawnActions {
     }
     check(::posix_spawn_file_actions_adddup2(&actions_, source, target));
   }
-  void nullInput() {
-    check(::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
+  void input(const std::string& text) {
+    if (text.empty()) {
+      check(::posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0));
+    } else {
+      input_ = memoryFile(text);
+      check(::posix_spawn_file_actions_adddup2(&actions_, input_.get(), STDIN_FILENO));
+    }
   }
   void closeOthers() { check(::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1)); }
   void changeDirectory(const std::string& directory) {
@@ -99,7 +105,22 @@ class SpawnActions {
     if (error != 0) detail::throwErrno("preparing a process", error);
   }
 
+  // At its start. Out of the way of the three.
+  static Descriptor memoryFile(std::string_view text) {
+    const Descriptor created(::memfd_create("input", MFD_CLOEXEC));
+    Descriptor file(::fcntl(created.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
+    while (file && !text.empty()) {
+      const ssize_t written = detail::retry([&] { return ::write(file.get(), text.data(), text.size()); });
+      if (written < 0) break;
+      text.remove_prefix(static_cast<std::size_t>(written));
+    }
+    if (!file || !text.empty() || ::lseek(file.get(), 0, SEEK_SET) != 0)
+      detail::throwErrno("passing an input on");
+    return file;
+  }
+
   posix_spawn_file_actions_t actions_;
+  Descriptor input_;
   std::array<Descriptor, 3> moved_;
 };
 
@@ -140,7 +161,7 @@ std::vector<char*> pointers(const std::vector<std::string>& texts) {
 // The errno, or 0.
 int spawn(const ProcessOptions& options, pid_t& pid) {
   SpawnActions actions;
-  actions.nullInput();
+  actions.input(options.input);
   actions.output(options.standardOutput, STDOUT_FILENO);
   actions.output(options.standardError, STDERR_FILENO);
   actions.closeOthers();

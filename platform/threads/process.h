@@ -20,6 +20,7 @@ struct ProcessOptions {
   std::vector<std::string> arguments;
   std::string workingDirectory;                         // host path; empty: this process's own
   std::optional<std::vector<std::string>> environment;  // "NAME=value"; nothing: this process's own
+  std::string input;                                    // what standard input reads; empty: /dev/null
   int standardOutput = -1;                              // borrowed; -1: /dev/null
   int standardError = -1;                               // borrowed; -1: /dev/null
   // In a process group of its own: an interrupt typed at the terminal then reaches this process alone.
@@ -36,9 +37,8 @@ struct ProcessStartError {
 };
 
 // A child process. Is signalled when the child has ended. Destroying the object neither ends the child nor
-// waits for it; the child is reaped when it ends. Standard input is /dev/null, and the child inherits no
-// descriptor beyond the three, blocks no signals and has the default action for SIGPIPE and SIGCHLD. Any
-// thread may wait.
+// waits for it; the child is reaped when it ends. The child inherits no descriptor beyond the three,
+// blocks no signals and has the default action for SIGPIPE and SIGCHLD. Any thread may wait.
 class Process : public Waitable {
  public:
   // Null if the child could not be started, and then `error` says why.

@@ -98,5 +98,35 @@ TEST_F(CompilerCommandTest, TellsWhatTheDependenciesAreAbout) {
   EXPECT_EQ(command.output, tree_ / "main.obj");
 }
 
+TEST_F(CompilerCommandTest, KnowsTheDriverAndItsSources) {
+  tree_.put("options", "-DX='a b' -c Main.c");
+  const struct {
+    const char* given;
+    std::vector<std::string> arguments;
+    std::vector<std::string> sources;
+  } cases[] = {
+      {"ccache gcc -c Main.c", {"ccache", "gcc", "-c", "Main.c"}, {"Main.c"}},
+      {R"(~\bin\ccache max_size=5 -v distcc C:\gcc Main.c)",
+       {"%/bin/ccache", "max_size=5", "-v", "distcc", "%/gcc", "Main.c"},
+       {"Main.c"}},
+      {"icecc -c Main.c", {"icecc", "-c", "Main.c"}, {"Main.c"}},
+      {"sccache", {"sccache"}, {}},
+      {"sccache --", {"sccache", "--"}, {}},
+      {"unknown gcc Main.c", {"unknown", "gcc", "Main.c"}, {"gcc", "Main.c"}},
+      {"gcc Main.c b.o c.obj d.a e.so.1 -o x",
+       {"gcc", "Main.c", "b.o", "c.obj", "d.a", "e.so.1", "-o", "x"},
+       {"Main.c"}},
+      {"gcc @%/options -g", {"gcc", "-DX=a b", "-c", "Main.c", "-g"}, {"Main.c"}},
+      {"gcc @%/none", {"gcc", "@%/none"}, {}},
+  };
+  for (const auto& [given, arguments, sources] : cases) {
+    const CompilerCommand command = read(given);
+    std::vector<std::string> expected = arguments;
+    for (std::string& word : expected) word = tree_.in(word);
+    EXPECT_EQ(command.arguments, expected) << given;
+    EXPECT_EQ(command.sources, sources) << given;
+  }
+}
+
 }  // namespace
 }  // namespace forgeyard

@@ -208,6 +208,45 @@ TEST_F(CompilerProgramTest, AStopLeavesNothingBehind) {
   EXPECT_FALSE(tree_.has("a.d"));
 }
 
+TEST_F(CompilerProgramTest, AKillLeavesNothingBehind) {
+  tree_.put("a.c", "int a;\n");
+  putScript("slow", "echo $PPID\nexec sleep 1000");
+  Spawned compile(tree_.in(R"(gnu-cc ~\slow -MD ~\a.c -o~\a.obj )"));
+  ASSERT_EQ(::kill(std::stoi(compile.line()), SIGKILL), 0);
+  EXPECT_EQ(compile.wait(), 137);
+  EXPECT_EQ(joined(tree_.names("tmp")), "");
+  EXPECT_EQ(joined(tree_.names(".")), "a.c run slow tmp");
+}
+
+TEST_F(CompilerProgramTest, LaysTheDependencyFileBehindALauncher) {
+  tree_.put("a.h", "");
+  tree_.put("a.c", "#include \"a.h\"\n");
+  putScript("ccache", "shift\nexec \"$@\"");
+  EXPECT_EQ(run(R"(gnu-cc ~\ccache --some=thing gcc -nostdinc -c -MD ~\a.c -o~\a.obj )"), (Result{0, ""}));
+  EXPECT_EQ(tree_.content("a.d"), tree_.in("a.obj: a.c %/a.h\r\n"));
+}
+
+TEST_F(CompilerProgramTest, FailsWhereDependenciesWouldBeLost) {
+  tree_.put("a.c", "");
+  putScript("unknown", "exec \"$@\"");
+  const Result result = run(R"(gnu-cc ~\unknown gcc -c -MD ~\a.c -o~\a.obj )");
+  EXPECT_EQ(result.exitCode, 2);
+  EXPECT_TRUE(
+      result.output.starts_with("gnu-cc: -MD is for one source, and these would be several: \"gcc\" \""))
+      << result.output;
+  EXPECT_FALSE(tree_.has("a.obj"));
+}
+
+TEST_F(CompilerProgramTest, LinksMoreObjectsThanTheSystemTakesArguments) {
+  const std::string object = std::string(200, 'o') + ".obj";
+  tree_.put("a.c", "");
+  ASSERT_EQ(run(CC + "~\\a.c -o~\\" + object), (Result{0, ""}));
+  std::string command = R"(gnu-cc gcc -nostdlib -r -o~\all.obj)";
+  for (int i = 0; i < 12'000; ++i) command += " ~\\" + object;
+  EXPECT_EQ(spawn(optionsForInput(tree_.in(command))), (Result{0, ""}));
+  EXPECT_TRUE(tree_.has("all.obj"));
+}
+
 TEST_F(CompilerProgramTest, SaysHowItIsCalled) {
   EXPECT_EQ(run("gnu-cc").exitCode, 2);
   EXPECT_TRUE(run("gnu-cc --help").output.starts_with("usage: gnu-cc DRIVER"));

@@ -23,8 +23,9 @@ class ProgramTest : public testing::Test {
 
   Result run(const std::string& command) { return run(command, tree_.path()); }
   Result run(const std::string& command, const std::string& directory) {
-    Spawned program(ProcessOptions{SPAWNER, {SPAWNER, tree_.in(command)}, directory, {}, -1, -1});
-    return resultOf(program);
+    ProcessOptions options = optionsFor({SPAWNER, tree_.in(command)});
+    options.workingDirectory = directory;
+    return spawn(options);
   }
   // A tool of this system, looked for along the PATH.
   static Result runTool(const std::vector<std::string>& words) {

@@ -17,13 +17,26 @@ namespace forgeyard {
 
 inline const std::string SPAWNER = FORGEYARD_BIN_DIR "/TideSpawn.exe";
 
+inline ProcessOptions optionsFor(const std::vector<std::string>& arguments) {
+  ProcessOptions options;
+  options.program = arguments.front();
+  options.arguments = arguments;
+  return options;
+}
+
+// A spawner that reads its command from standard input.
+inline ProcessOptions optionsForInput(const std::string& command, const std::string& spawner = SPAWNER) {
+  ProcessOptions options = optionsFor({spawner, "--stdin"});
+  options.input = command;
+  return options;
+}
+
 // The spawner at work as a host starts it: the command in one argument, both outputs in one pipe.
 class Spawned {
  public:
   explicit Spawned(const std::string& command, const std::string& spawner = SPAWNER)
       : Spawned(std::vector<std::string>{spawner, command}) {}
-  explicit Spawned(const std::vector<std::string>& arguments)
-      : Spawned(ProcessOptions{arguments.front(), arguments, {}, {}, -1, -1}) {}
+  explicit Spawned(const std::vector<std::string>& arguments) : Spawned(optionsFor(arguments)) {}
   explicit Spawned(ProcessOptions options) {
     options.standardOutput = pipe_.writeEnd.get();
     options.standardError = pipe_.writeEnd.get();
@@ -84,6 +97,10 @@ inline Result resultOf(Spawned& run) {
   return result;
 }
 
+inline Result spawn(const ProcessOptions& options) {
+  Spawned run(options);
+  return resultOf(run);
+}
 inline Result spawn(const std::string& command, const std::string& spawner = SPAWNER) {
   Spawned run(command, spawner);
   return resultOf(run);

@@ -17,15 +17,23 @@ class SpawnerTest : public RuntimeTest {
   ScopedVariable path_{"PATH", SPAWNER_TOOLS ":/usr/bin:/bin"};
 };
 
-// The same for both ways through the spawner: a plain command is started before the C library is up, one with
-// quotes by the ordinary program.
-class BothWaysTest : public SpawnerTest, public testing::WithParamInterface<const char*> {
+// The same for all ways through the spawner: a command in an argument, plain or with quotes, is started
+// before the C library is up, one on standard input by the ordinary program.
+class EachWayTest : public SpawnerTest, public testing::WithParamInterface<const char*> {
  protected:
   // The command, with its program's name as the way needs it.
-  static std::string tool(const std::string& arguments, const std::string& program = "tool") {
+  static std::string command(const std::string& arguments, const std::string& program = "tool") {
     const std::string quote = GetParam() == std::string("quoted") ? "\"" : "";
     return quote + program + quote + " " + arguments;
   }
+  // How the way runs it.
+  static ProcessOptions tool(const std::string& arguments, const std::string& program = "tool",
+                             const std::string& spawner = SPAWNER) {
+    const std::string text = command(arguments, program);
+    return GetParam() == std::string("input") ? optionsForInput(text, spawner) : optionsFor({spawner, text});
+  }
 };
+
+inline constexpr const char* kWays[] = {"plain", "quoted", "input"};
 
 }  // namespace forgeyard

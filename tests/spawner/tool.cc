@@ -32,6 +32,31 @@ int print(const Arguments& arguments) {
   return 0;
 }
 
+int countArguments(const Arguments& arguments) {
+  std::size_t bytes = 0;
+  for (const std::string& argument : arguments) bytes += argument.size();
+  say(std::to_string(arguments.size()) + " arguments, " + std::to_string(bytes) + " bytes");
+  return 0;
+}
+
+// A GNU tool that was called with a response file of ours: one argument in each line, a backslash before
+// whatever is special.
+int countResponseFile(const std::string& name) {
+  std::ifstream file(name);
+  std::size_t words = 0;
+  std::size_t bytes = 0;
+  for (char c; file.get(c);) {
+    if (c == '\n') {
+      ++words;
+      continue;
+    }
+    if (c == '\\') file.get(c);
+    ++bytes;
+  }
+  say("1 arguments, " + std::to_string(words) + " in the response file, " + std::to_string(bytes) + " bytes");
+  return 0;
+}
+
 int exitWith(const Arguments& arguments) {
   return std::stoi(arguments.at(0));
 }
@@ -162,6 +187,7 @@ int both(const Arguments&) {
 int main(int count, char** values) {
   const std::map<std::string, std::function<int(const Arguments&)>> jobs = {
       {"print", print},
+      {"count", countArguments},
       {"exit", exitWith},
       {"die", dieOf},
       {"touch", touch},
@@ -178,6 +204,8 @@ int main(int count, char** values) {
       {"both", both},
   };
   const Arguments arguments(values + 1, values + count);
+  if (arguments.size() == 1 && arguments.front().starts_with('@'))
+    return countResponseFile(arguments.front().substr(1));
   if (arguments.empty() || !jobs.contains(arguments.front())) return 97;
   return jobs.at(arguments.front())({arguments.begin() + 1, arguments.end()});
 }

@@ -11,9 +11,9 @@
 namespace forgeyard {
 namespace {
 
-class ToolStartTest : public BothWaysTest {};
+class ToolStartTest : public EachWayTest {};
 
-INSTANTIATE_TEST_SUITE_P(Ways, ToolStartTest, testing::Values("plain", "quoted"),
+INSTANTIATE_TEST_SUITE_P(Ways, ToolStartTest, testing::ValuesIn(kWays),
                          [](const auto& info) { return std::string(info.param); });
 
 TEST_P(ToolStartTest, GivesTheToolsExitCode) {
@@ -96,7 +96,7 @@ int spawnRaw(const std::string& command, Prepare&& prepare) {
 
 TEST_P(ToolStartTest, SurvivesACarelessHost) {
   const std::string report = scratch_ / "report";
-  const int code = spawnRaw(tool("state"), [&] {
+  const int code = spawnRaw(command("state"), [&] {
     ::signal(SIGCHLD, SIG_IGN);
     ::signal(SIGPIPE, SIG_IGN);
     sigset_t all;
@@ -108,12 +108,12 @@ TEST_P(ToolStartTest, SurvivesACarelessHost) {
   });
   EXPECT_EQ(code, 0);
   EXPECT_EQ(readFile(report), CLEAN);
-  EXPECT_EQ(spawnRaw(tool("exit 5"), [] { ::signal(SIGCHLD, SIG_IGN); }), 5);
+  EXPECT_EQ(spawnRaw(command("exit 5"), [] { ::signal(SIGCHLD, SIG_IGN); }), 5);
 }
 
 TEST_P(ToolStartTest, DoesNotTakeTheEventForAClosedOutput) {
   const auto event = NamedEvent::create("StopEvent");
-  EXPECT_EQ(spawnRaw(tool("both"), [] { ::closefrom(0); }), 0);
+  EXPECT_EQ(spawnRaw(command("both"), [] { ::closefrom(0); }), 0);
   EXPECT_FALSE(event->isSet());
 }
 
@@ -124,9 +124,9 @@ TEST_P(ToolStartTest, PrefersToolsInItsOwnDirectory) {
   writeFile(program, "#!/bin/sh\nprintf '%s ' own \"$@\"\n");
   ASSERT_EQ(::chmod(program.c_str(), 0755), 0);
   // Their arguments stay as they are: they are made for these paths.
-  EXPECT_EQ(spawn(tool("-o\\tmp\\a.obj \\usr Z:\\usr"), spawner),
+  EXPECT_EQ(spawn(tool("-o\\tmp\\a.obj \\usr Z:\\usr", "tool", spawner)),
             (Result{0, "own -o\\tmp\\a.obj \\usr Z:\\usr "}));
-  EXPECT_EQ(spawn(tool("\\usr", program), spawner), (Result{0, "own \\usr "}));
+  EXPECT_EQ(spawn(tool("\\usr", program, spawner)), (Result{0, "own \\usr "}));
   EXPECT_EQ(spawn(tool("exit 4")).exitCode, 4);
 }
 
@@ -152,6 +152,56 @@ TEST_F(SpawnerTest, CutsTheCommandLikeTheReference) {
     ++checked;
   }
   EXPECT_GT(checked, 30);
+}
+
+// The job "count" says how many arguments came, and how many bytes.
+std::string manyArguments(std::size_t count, const std::string& each) {
+  std::string command = "count";
+  for (std::size_t i = 0; i < count; ++i) command += " " + each;
+  return command;
+}
+
+TEST_F(SpawnerTest, TakesACommandOfAnyLength) {
+  // Far above what fits into one argument, and below what the system takes for a tool.
+  const std::string argument(99, 'a');
+  EXPECT_EQ(spawn(optionsForInput("tool " + manyArguments(10'000, argument))),
+            (Result{0, "10000 arguments, 990000 bytes\n"}));
+}
+
+TEST_F(SpawnerTest, GivesGnuToolsAResponseFileForWhatTheSystemDoesNotTake) {
+  const std::string program = scratch_ / "mipsel-elf-gcc-12.2";
+  std::filesystem::create_symlink(SPAWNER_TOOLS "/tool", program);
+  const std::string longName = "\"two  blanks\\\" \\'" + std::string(99, 'a') + "\"";
+  const Result result = spawn(optionsForInput(program + " " + manyArguments(40'000, longName)));
+  EXPECT_EQ(result.exitCode, 0) << result.output.substr(0, 300);
+  // The name and its own "count" come in the file too.
+  EXPECT_EQ(result.output, "1 arguments, 40001 in the response file, 4560005 bytes\n");
+}
+
+TEST_F(SpawnerTest, SaysWhatIsTooLongForATool) {
+  const struct {
+    std::string command;
+    std::string why;
+  } rows[] = {
+      {"tool " + manyArguments(40'000, std::string(99, 'a')), "raise the limit of the stack"},
+      {"tool count " + std::string(140'000, 'a'),
+       "one of its arguments has 140000 bytes, and the system takes 131071"},
+  };
+  for (const auto& [command, why] : rows) {
+    const Result result = spawn(optionsForInput(command));
+    EXPECT_EQ(result.exitCode, 126);
+    EXPECT_TRUE(result.output.starts_with("TideSpawn: cannot start \"tool\": ")) << result.output;
+    EXPECT_NE(result.output.find(why), std::string::npos) << result.output;
+    EXPECT_NE(result.output.find("write the names into a file that the tool reads"), std::string::npos);
+  }
+}
+
+TEST_F(SpawnerTest, RefusesAnInputThatIsNoCommand) {
+  EXPECT_EQ(
+      spawn(optionsForInput(std::string("tool exit 3\0x", 13))),
+      (Result{2, "TideSpawn: cannot start \"\": the command on standard input has a null byte in it\n"}));
+  EXPECT_EQ(spawn(optionsFor({SPAWNER, "--stdin"})),
+            (Result{127, "TideSpawn: cannot start \"\": the command names no program\n"}));
 }
 
 TEST_F(SpawnerTest, SpellsPathArgumentsForTheHost) {

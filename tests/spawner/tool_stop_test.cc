@@ -12,9 +12,9 @@
 namespace forgeyard {
 namespace {
 
-class ToolStopTest : public BothWaysTest {};
+class ToolStopTest : public EachWayTest {};
 
-INSTANTIATE_TEST_SUITE_P(Ways, ToolStopTest, testing::Values("plain", "quoted"),
+INSTANTIATE_TEST_SUITE_P(Ways, ToolStopTest, testing::ValuesIn(kWays),
                          [](const auto& info) { return std::string(info.param); });
 
 TEST_P(ToolStopTest, TheStopEventEndsTheToolAndAllItStarted) {
@@ -69,7 +69,7 @@ TEST_P(ToolStopTest, SeesTheToolEndAmongOthersThatEnd) {
 }
 
 TEST_P(ToolStopTest, EndsEverythingWhenTheHostIsKilled) {
-  Spawned host({SPAWNER_TOOLS "/tool", "host", SPAWNER, tool("hang-with-daemon")});
+  Spawned host({SPAWNER_TOOLS "/tool", "host", SPAWNER, command("hang-with-daemon")});
   ASSERT_EQ(host.line(), "ready");
   host.process().kill(SIGKILL);
   EXPECT_EQ(host.output(), "");
