@@ -74,9 +74,9 @@ class Bench {
       if (c == '/') c = '\\';
     }
     const auto error = Registry::update(path("registry"), [&](Registry& registry) {
-      registry.setValue(registry_keys::KORVEL, registry_keys::HOME, home);
-      registry.setValue(registry_keys::TARGETS, "bench", "");
-      registry.setValue(registry_keys::COMPILERS, "bench", "gnu-cc " + standIn());
+      registry.setValue(registry_keys::kKorvel, registry_keys::kHome, home);
+      registry.setValue(registry_keys::kTargets, "bench", "");
+      registry.setValue(registry_keys::kCompilers, "bench", "gnu-cc " + standIn());
     });
     if (error) throw std::runtime_error(error->message);
   }

@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "engine/build_tool.h"
+#include "engine/build_tool/build_tool.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "tools/dependency_file.h"
+#include "tools/compiler/dependency_file_reader.h"
 
 namespace {
 

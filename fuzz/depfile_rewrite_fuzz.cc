@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "adapters/compiler/dependency_file.h"
+#include "adapters/compiler/dependency_file_writer.h"
 #include "tests/adapters/component_reader.h"
 
 namespace {

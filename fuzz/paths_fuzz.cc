@@ -28,7 +28,7 @@ void checkText(std::string_view text) {
 }
 
 void checkPath(std::string_view text) {
-  const std::optional<std::string> canonical = PathCanonicalizeA(text, NO_PATH_LIMIT);
+  const std::optional<std::string> canonical = PathCanonicalizeA(text, kNoPathLimit);
   require(canonical.has_value() && !canonical->empty() && canonical->size() <= text.size() + 1);
   require(text.ends_with(PathFindFileNameA(text)) && text.ends_with(PathFindExtensionA(text)));
   std::string path(text);

@@ -2,7 +2,7 @@
 
 #include "fuzz/scratch_directory.h"
 #include "model/classes.h"
-#include "model/project.h"
+#include "model/project/project.h"
 #include "platform/files/host_location.h"
 #include "tests/support/class_source.h"
 #include "tests/support/test_host.h"

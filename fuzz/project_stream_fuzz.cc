@@ -7,9 +7,9 @@
 
 #include "engine/classes.h"
 #include "fuzz/project_host.h"
-#include "model/project_records.h"
-#include "model/record_encoder.h"
-#include "model/workspace_object.h"
+#include "model/project/workspace_object.h"
+#include "model/records/project_records.h"
+#include "model/records/record_encoder.h"
 #include "platform/com/class_table.h"
 #include "typelib/classes.h"
 

@@ -6,9 +6,9 @@
 #include "fuzz/project_host.h"
 #include "hosts/console/text/json_reader.h"
 #include "hosts/console/text/json_writer.h"
-#include "model/record_decoder.h"
-#include "model/record_encoder.h"
-#include "model/record_values.h"
+#include "model/records/record_decoder.h"
+#include "model/records/record_encoder.h"
+#include "model/records/record_values.h"
 
 namespace {
 

@@ -4,11 +4,11 @@
 #include <string>
 
 #include "fuzz/scratch_directory.h"
-#include "tests/com/memory_stream.h"
-#include "tools/asm_settings.h"
-#include "tools/cc_settings.h"
-#include "tools/cmd_line_settings.h"
-#include "tools/linker_settings.h"
+#include "tests/platform/com/memory_stream.h"
+#include "tools/assembler/asm_settings.h"
+#include "tools/command_line/cmd_line_settings.h"
+#include "tools/compiler/cc_settings.h"
+#include "tools/linker/linker_settings.h"
 
 namespace {
 

@@ -3,14 +3,14 @@
 #include <array>
 
 #include "engine/simple_collection.h"
-#include "model/component_objects.h"
-#include "model/configuration.h"
+#include "model/components/component_objects.h"
+#include "model/configurations/configuration.h"
 #include "model/data_object.h"
-#include "model/folder.h"
-#include "model/folder_settings.h"
-#include "model/project.h"
-#include "model/source_file.h"
-#include "model/workspace_object.h"
+#include "model/folders/folder.h"
+#include "model/folders/folder_settings.h"
+#include "model/folders/source_file.h"
+#include "model/project/project.h"
+#include "model/project/workspace_object.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "platform/com/enumerators.h"
-#include "platform/storage/record_fields.h"
+#include "platform/storage/records/record_fields.h"
 #include "typelib/cookies.h"
 
 namespace forgeyard {

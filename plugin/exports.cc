@@ -1,6 +1,6 @@
 #include "plugin/exports.h"
 
-#include "engine/module_path.h"
+#include "engine/self_documentation/module_path.h"
 #include "plugin/class_object.h"
 #include "plugin/registration.h"
 

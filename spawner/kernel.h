@@ -120,7 +120,7 @@ inline void restoreDefault(int signal) noexcept {
 // multiple of 16), and waits until the new process has gone on to another program or ended. `body` does not
 // return, and calls only what stands in this file.
 inline pid_t startSharing(int (*body)(void*), void* argument, char* stackEnd) noexcept {
-  constexpr long FLAGS = CLONE_VM | CLONE_VFORK | SIGCHLD;
+  constexpr long kFlags = CLONE_VM | CLONE_VFORK | SIGCHLD;
 #if defined(__x86_64__)
   long result;
   register long fourth asm("r10") = 0;
@@ -135,12 +135,12 @@ inline pid_t startSharing(int (*body)(void*), void* argument, char* stackEnd) no
       "hlt\n"
       "1:"
       : "=a"(result)
-      : "a"(SYS_clone), "D"(FLAGS), "S"(stackEnd), "d"(0L), "r"(fourth),
+      : "a"(SYS_clone), "D"(kFlags), "S"(stackEnd), "d"(0L), "r"(fourth),
         "r"(fifth), [body] "r"(body), [argument] "r"(argument)
       : "rcx", "r11", "memory", "cc");
   return static_cast<pid_t>(result);
 #else
-  const int result = ::clone(body, stackEnd, static_cast<int>(FLAGS), argument);
+  const int result = ::clone(body, stackEnd, static_cast<int>(kFlags), argument);
   return result < 0 ? -errno : result;
 #endif
 }

@@ -20,7 +20,7 @@
 
 namespace {
 
-constexpr std::string_view HELP =
+constexpr std::string_view kHelp =
     "usage: TideSpawn.exe COMMAND\n"
     "       TideSpawn.exe --stdin < FILE\n"
     "\n"
@@ -98,7 +98,7 @@ int runInput() {
 
 int run(std::string_view only) {
   if (only == "--help" || only == "--version") {
-    const std::string_view text = only == "--help" ? HELP : "TideSpawn.exe " FORGEYARD_VERSION "\n";
+    const std::string_view text = only == "--help" ? kHelp : "TideSpawn.exe " FORGEYARD_VERSION "\n";
     return std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0 ? 0
                                                                                                        : 1;
   }

@@ -44,7 +44,7 @@ FoundTool findCommandTool(const std::string& program, HostSpelling& spelling,
 }
 
 bool wantsNativePaths(const std::string& file, UserRegistry& registry) {
-  return registry.get().value(registry_keys::NATIVE_PATHS, baseName(file)).has_value();
+  return registry.get().value(registry_keys::kNativePaths, baseName(file)).has_value();
 }
 
 }  // namespace forgeyard

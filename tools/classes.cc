@@ -2,10 +2,10 @@
 
 #include <array>
 
-#include "tools/asm.h"
-#include "tools/cc.h"
-#include "tools/cmd_line.h"
-#include "tools/linker.h"
+#include "tools/assembler/asm.h"
+#include "tools/command_line/cmd_line.h"
+#include "tools/compiler/cc.h"
+#include "tools/linker/linker.h"
 
 namespace forgeyard {
 

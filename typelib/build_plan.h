@@ -12,7 +12,7 @@ namespace forgeyard {
 // What a build would do, for who asks without running it.
 
 // Times from here on are those of what earlier parts of the same build will have made, in the order of that.
-inline constexpr FileTime TIME_TO_COME = std::numeric_limits<FileTime>::max() - (FileTime{1} << 40);
+inline constexpr FileTime kTimeToCome = std::numeric_limits<FileTime>::max() - (FileTime{1} << 40);
 
 // Why a file or component has to be built, made where the decision falls: the build acts on it and a user can
 // be told.

@@ -14,7 +14,7 @@ namespace forgeyard {
 
 // Name of the manual-reset event that all hosts of a user share: it ends waiting and running tools. A host
 // holds it from its first build run on.
-inline constexpr const char* STOP_EVENT = "StopEvent";
+inline constexpr const char* kStopEvent = "StopEvent";
 
 // The gateway to every service. Objects get it from the site that the host gives them.
 struct IServiceLookup : IUnknown {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/storage/record_fields.h"
+#include "platform/storage/records/record_fields.h"
 #include "platform/storage/structured_storage.h"
 #include "typelib/project.h"
 #include "typelib/record_tree.h"

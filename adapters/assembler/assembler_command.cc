@@ -34,8 +34,8 @@ class CommandReader {
 
  private:
   bool readPlainSwitch(std::string_view word) {
-    static constexpr std::array<std::string_view, 3> WITHOUT_COUNTERPART = {"/k", "/l", "/x"};
-    for (const std::string_view known : WITHOUT_COUNTERPART) {
+    static constexpr std::array<std::string_view, 3> kWithoutCounterpart = {"/k", "/l", "/x"};
+    for (const std::string_view known : kWithoutCounterpart) {
       if (word == known) return true;
     }
     if (word == "/c") return command_.keepConditionals = true;

@@ -17,7 +17,7 @@
 
 namespace {
 
-constexpr std::string_view HELP =
+constexpr std::string_view kHelp =
     "usage: gnu-as ASSEMBLER [OPTION...] [SWITCH...] SOURCE,OBJECT[,SYMBOLS[,LISTING]]\n"
     "\n"
     "Runs a GNU assembler (mipsel-linux-gnu-as, say). OPTIONs are the assembler's own and begin with a "
@@ -84,7 +84,7 @@ int run(const forgeyard::Diagnostics& diagnostics, const std::vector<std::string
 
 int main(int count, char** arguments) {
   const forgeyard::Diagnostics diagnostics("gnu-as");
-  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, HELP); answered >= 0) {
+  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, kHelp); answered >= 0) {
     return answered;
   }
   if (count < 2) {

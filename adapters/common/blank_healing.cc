@@ -5,14 +5,14 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::size_t MOST_WORDS = 32;
+constexpr std::size_t kMostWords = 32;
 
 // All ways to join, shortest first.
 std::vector<std::string> joinings(std::string_view first, const std::vector<std::string>& words,
                                   std::size_t at) {
   std::vector<std::string> result{std::string(first)};
   if (!isAbsolute(first)) return result;
-  for (std::size_t i = at + 1; i < words.size() && result.size() <= MOST_WORDS; ++i) {
+  for (std::size_t i = at + 1; i < words.size() && result.size() <= kMostWords; ++i) {
     if (words[i].empty() || words[i].front() == '-' || isAbsolute(words[i])) break;
     result.push_back(result.back() + " " + words[i]);
   }

@@ -17,7 +17,7 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::array<int, 3> STOPPING = {SIGTERM, SIGINT, SIGHUP};
+constexpr std::array<int, 3> kStopping = {SIGTERM, SIGINT, SIGHUP};
 
 std::atomic<pid_t> runningChild{0};
 std::atomic<int> receivedSignal{0};
@@ -33,7 +33,7 @@ void passOn(int signal) {
 sigset_t stoppingSet() {
   sigset_t set;
   ::sigemptyset(&set);
-  for (const int signal : STOPPING) ::sigaddset(&set, signal);
+  for (const int signal : kStopping) ::sigaddset(&set, signal);
   return set;
 }
 
@@ -189,11 +189,11 @@ StopSignals::StopSignals() {
   struct sigaction action {};
   action.sa_handler = passOn;
   action.sa_mask = stoppingSet();
-  for (const int signal : STOPPING) ::sigaction(signal, &action, nullptr);
+  for (const int signal : kStopping) ::sigaction(signal, &action, nullptr);
 }
 
 StopSignals::~StopSignals() {
-  for (const int signal : STOPPING) ::signal(signal, SIG_DFL);
+  for (const int signal : kStopping) ::signal(signal, SIG_DFL);
 }
 
 int StopSignals::received() noexcept {

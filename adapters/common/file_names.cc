@@ -5,20 +5,20 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::string_view SEPARATORS = "/\\";
+constexpr std::string_view kSeparators = "/\\";
 
 }  // namespace
 
 std::string_view baseName(std::string_view path) noexcept {
-  return path.substr(path.find_last_of(SEPARATORS) + 1);
+  return path.substr(path.find_last_of(kSeparators) + 1);
 }
 
 std::string_view directoryPart(std::string_view path) noexcept {
-  return path.substr(0, path.find_last_of(SEPARATORS) + 1);
+  return path.substr(0, path.find_last_of(kSeparators) + 1);
 }
 
 bool beginsWithDrive(std::string_view path) noexcept {
-  if (path.size() < 3 || path[1] != ':' || SEPARATORS.find(path[2]) == SEPARATORS.npos) return false;
+  if (path.size() < 3 || path[1] != ':' || kSeparators.find(path[2]) == kSeparators.npos) return false;
   return (path[0] >= 'a' && path[0] <= 'z') || (path[0] >= 'A' && path[0] <= 'Z');
 }
 

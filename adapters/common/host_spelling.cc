@@ -5,7 +5,7 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::string_view PIECE_ENDS = "=,;@";
+constexpr std::string_view kPieceEnds = "=,;@";
 
 bool isOptionCharacter(char c) noexcept {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '-' || c == '_' ||
@@ -30,10 +30,10 @@ std::size_t pathStart(std::string_view text) noexcept {
 // Where the path that begins at `start` ends. It runs on over a separator, which may be a part of a name,
 // unless another path, an option, a further separator or nothing stands behind that.
 std::size_t pathEnd(std::string_view text, std::size_t start) noexcept {
-  for (std::size_t at = text.find_first_of(PIECE_ENDS, start); at < text.size();
-       at = text.find_first_of(PIECE_ENDS, at + 1)) {
+  for (std::size_t at = text.find_first_of(kPieceEnds, start); at < text.size();
+       at = text.find_first_of(kPieceEnds, at + 1)) {
     const std::string_view rest = text.substr(at + 1);
-    if (rest.empty() || rest.front() == '-' || PIECE_ENDS.find(rest.front()) != PIECE_ENDS.npos) return at;
+    if (rest.empty() || rest.front() == '-' || kPieceEnds.find(rest.front()) != kPieceEnds.npos) return at;
     if (pathStart(rest) < rest.size()) return at;
   }
   return text.size();
@@ -115,7 +115,7 @@ std::string spellPathsInArgument(
     if (spelled) {
       result.append(argument.substr(0, start)).append(*spelled);
     } else {
-      const std::size_t separator = argument.find_first_of(PIECE_ENDS);
+      const std::size_t separator = argument.find_first_of(kPieceEnds);
       done = separator == argument.npos ? argument.size() : separator + 1;
       result.append(argument.substr(0, done));
     }

@@ -6,7 +6,7 @@ namespace forgeyard {
 
 HostPaths UserRegistry::drives() {
   HostPaths paths;
-  if (const auto key = get().open(registry_keys::DRIVES)) {
+  if (const auto key = get().open(registry_keys::kDrives)) {
     for (const std::string& name : key->valueNames()) paths.mapDrive(name, key->value(name).value_or(""));
   }
   return paths;

@@ -9,7 +9,7 @@
 #include "adapters/common/file_names.h"
 #include "adapters/common/memory_file.h"
 #include "adapters/common/whole_file.h"
-#include "adapters/compiler/dependency_file.h"
+#include "adapters/compiler/dependency_file_writer.h"
 
 namespace forgeyard {
 namespace {

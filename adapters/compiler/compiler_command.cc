@@ -30,7 +30,7 @@ struct OptionForm {
 };
 
 // Of two names that fit, the first in this list is meant.
-constexpr std::array OPTIONS = {
+constexpr std::array kOptions = {
     OptionForm{"-Wp,", Form::Joined, Value::Pieces},
     OptionForm{"-Wa,", Form::Joined, Value::Pieces},
     OptionForm{"-Wl,", Form::Joined, Value::Pieces},
@@ -76,7 +76,7 @@ constexpr std::array OPTIONS = {
 };
 
 const OptionForm* findOption(std::string_view word) {
-  for (const OptionForm& option : OPTIONS) {
+  for (const OptionForm& option : kOptions) {
     if (word == option.name && option.form != Form::Joined) return &option;
     if (word.size() > option.name.size() && word.starts_with(option.name) && option.form != Form::Apart) {
       return &option;

@@ -14,7 +14,7 @@
 
 namespace {
 
-constexpr std::string_view HELP =
+constexpr std::string_view kHelp =
     "usage: gnu-cc DRIVER ARGUMENT...\n"
     "\n"
     "Runs a GNU compiler driver (mipsel-linux-gnu-gcc, say) with arguments whose paths are spelled with\n"
@@ -44,7 +44,7 @@ int run(const forgeyard::Diagnostics& diagnostics, const std::vector<std::string
 
 int main(int count, char** arguments) {
   const forgeyard::Diagnostics diagnostics("gnu-cc");
-  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, HELP); answered >= 0) {
+  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, kHelp); answered >= 0) {
     return answered;
   }
   if (count < 2) {

@@ -114,10 +114,10 @@ class Link {
   // So that the map says the same for the same input.
   void nameOriginalsInMap() {
     if (command_.mapFile.empty()) return;
-    constexpr std::string_view WORD = "\nOUTPUT(";
+    constexpr std::string_view kWord = "\nOUTPUT(";
     rewrite(command_.mapFile, [&](std::string map) {
-      const std::size_t output = map.rfind(std::string(WORD) + linked());
-      if (output != map.npos) map.replace(output + WORD.size(), linked().size(), command_.output);
+      const std::size_t output = map.rfind(std::string(kWord) + linked());
+      if (output != map.npos) map.replace(output + kWord.size(), linked().size(), command_.output);
       return script_.withOriginals(std::move(map));
     });
   }
@@ -157,11 +157,11 @@ int link(const LinkCommand& command, const LinkerTools& tools, HostSpelling& spe
 }
 
 std::string layoutWithoutGlobalPointer(std::string_view verbose) {
-  constexpr std::string_view RULE = "\n==========";  // the layout stands between two lines of these
-  const std::size_t start = verbose.find(RULE);
+  constexpr std::string_view kRule = "\n==========";  // the layout stands between two lines of these
+  const std::size_t start = verbose.find(kRule);
   if (start == verbose.npos) return {};
   const std::size_t begin = verbose.find('\n', start + 1);
-  const std::size_t end = verbose.find(RULE, begin);
+  const std::size_t end = verbose.find(kRule, begin);
   if (begin == verbose.npos || end == verbose.npos) return {};
   std::string layout(verbose.substr(begin + 1, end - begin));
   const std::size_t pointer = layout.find("HIDDEN (_gp = ");

@@ -34,8 +34,8 @@ class CommandReader {
   }
 
   bool readPlainSwitch(std::string_view word) {
-    static constexpr std::array<std::string_view, 4> WITHOUT_COUNTERPART = {"/c", "/s", "/v", "/wl"};
-    for (const std::string_view known : WITHOUT_COUNTERPART) {
+    static constexpr std::array<std::string_view, 4> kWithoutCounterpart = {"/c", "/s", "/v", "/wl"};
+    for (const std::string_view known : kWithoutCounterpart) {
       if (word == known) return true;
     }
     if (word == "/z") return command_.zeroBss = true;

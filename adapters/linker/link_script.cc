@@ -17,43 +17,43 @@ namespace {
 using Kind = ScriptToken::Kind;
 
 // The words that begin a statement outside of SECTIONS and its like.
-constexpr std::array<std::string_view, 34> COMMANDS = {"ASSERT",
-                                                       "AS_NEEDED",
-                                                       "CONSTRUCTORS",
-                                                       "CREATE_OBJECT_SYMBOLS",
-                                                       "ENTRY",
-                                                       "EXTERN",
-                                                       "FLOAT",
-                                                       "FORCE_COMMON_ALLOCATION",
-                                                       "FORCE_GROUP_ALLOCATION",
-                                                       "GROUP",
-                                                       "HIDDEN",
-                                                       "HLL",
-                                                       "INCLUDE",
-                                                       "INHIBIT_COMMON_ALLOCATION",
-                                                       "INPUT",
-                                                       "INSERT",
-                                                       "LD_FEATURE",
-                                                       "MAP",
-                                                       "MEMORY",
-                                                       "NOCROSSREFS",
-                                                       "NOCROSSREFS_TO",
-                                                       "NOFLOAT",
-                                                       "OUTPUT",
-                                                       "OUTPUT_ARCH",
-                                                       "OUTPUT_FORMAT",
-                                                       "PHDRS",
-                                                       "PROVIDE",
-                                                       "PROVIDE_HIDDEN",
-                                                       "REGION_ALIAS",
-                                                       "SEARCH_DIR",
-                                                       "SECTIONS",
-                                                       "STARTUP",
-                                                       "SYSLIB",
-                                                       "TARGET"};
+constexpr std::array<std::string_view, 34> kCommands = {"ASSERT",
+                                                        "AS_NEEDED",
+                                                        "CONSTRUCTORS",
+                                                        "CREATE_OBJECT_SYMBOLS",
+                                                        "ENTRY",
+                                                        "EXTERN",
+                                                        "FLOAT",
+                                                        "FORCE_COMMON_ALLOCATION",
+                                                        "FORCE_GROUP_ALLOCATION",
+                                                        "GROUP",
+                                                        "HIDDEN",
+                                                        "HLL",
+                                                        "INCLUDE",
+                                                        "INHIBIT_COMMON_ALLOCATION",
+                                                        "INPUT",
+                                                        "INSERT",
+                                                        "LD_FEATURE",
+                                                        "MAP",
+                                                        "MEMORY",
+                                                        "NOCROSSREFS",
+                                                        "NOCROSSREFS_TO",
+                                                        "NOFLOAT",
+                                                        "OUTPUT",
+                                                        "OUTPUT_ARCH",
+                                                        "OUTPUT_FORMAT",
+                                                        "PHDRS",
+                                                        "PROVIDE",
+                                                        "PROVIDE_HIDDEN",
+                                                        "REGION_ALIAS",
+                                                        "SEARCH_DIR",
+                                                        "SECTIONS",
+                                                        "STARTUP",
+                                                        "SYSLIB",
+                                                        "TARGET"};
 
 bool isCommand(std::string_view word) {
-  return std::find(COMMANDS.begin(), COMMANDS.end(), word) != COMMANDS.end() || word == "VERSION";
+  return std::find(kCommands.begin(), kCommands.end(), word) != kCommands.end() || word == "VERSION";
 }
 
 bool isAssignment(std::string_view word) {
@@ -105,10 +105,10 @@ struct Complaint {
   std::string_view before;
   std::string_view behind;
 };
-constexpr std::array COMPLAINTS = {Complaint{": region `", "' overflowed"},
-                                   Complaint{" section `", "' will not fit in region"},
-                                   Complaint{"cannot find entry symbol ", ";"},
-                                   Complaint{": section ", " LMA ["}, Complaint{": section ", " VMA ["}};
+constexpr std::array kComplaints = {Complaint{": region `", "' overflowed"},
+                                    Complaint{" section `", "' will not fit in region"},
+                                    Complaint{"cannot find entry symbol ", ";"},
+                                    Complaint{": section ", " LMA ["}, Complaint{": section ", " VMA ["}};
 
 std::string_view nameIn(std::string_view line, const Complaint& complaint) {
   const std::size_t start = line.find(complaint.before);
@@ -129,8 +129,8 @@ bool isScript(const std::string& file) {
   }
   const std::string text = readWholeFile(file).value_or("");
   if (text.find('\0') != text.npos) return false;
-  constexpr std::array<std::string_view, 4> NAMING = {"INPUT", "GROUP", "STARTUP", "INCLUDE"};
-  return std::any_of(NAMING.begin(), NAMING.end(),
+  constexpr std::array<std::string_view, 4> kNaming = {"INPUT", "GROUP", "STARTUP", "INCLUDE"};
+  return std::any_of(kNaming.begin(), kNaming.end(),
                      [&](std::string_view word) { return text.find(word) != text.npos; });
 }
 
@@ -430,7 +430,7 @@ const ScriptPlace* LinkScript::placeOf(std::string_view line) const {
     const auto found = places_.find(name);
     return found == places_.end() ? nullptr : &found->second;
   };
-  for (const Complaint& complaint : COMPLAINTS) {
+  for (const Complaint& complaint : kComplaints) {
     if (const ScriptPlace* place = known(nameIn(line, complaint))) return place;
   }
   // FILE: file not recognized, of an input; PROGRAM: TEXT, of an assertion.
@@ -447,10 +447,10 @@ const ScriptPlace* LinkScript::placeOf(std::string_view line) const {
 
 // PROGRAM: cannot find NAME: REASON, for a name that a script gives; empty for any other line.
 std::string LinkScript::explainMissing(std::string_view linkerLine) const {
-  constexpr std::string_view WORDS = ": cannot find ";
-  const std::size_t start = linkerLine.find(WORDS);
+  constexpr std::string_view kWords = ": cannot find ";
+  const std::size_t start = linkerLine.find(kWords);
   if (start == linkerLine.npos) return {};
-  const std::string_view rest = linkerLine.substr(start + WORDS.size());
+  const std::string_view rest = linkerLine.substr(start + kWords.size());
   const Input* best = nullptr;
   std::size_t bestSize = 0;
   for (const auto& [seen, input] : inputs_) {

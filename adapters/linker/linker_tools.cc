@@ -13,7 +13,7 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::string_view DEFAULT_PREFIX = "mipsel-linux-gnu-";
+constexpr std::string_view kDefaultPrefix = "mipsel-linux-gnu-";
 
 // "ld", "ld.bfd": the end of the linker's name that tells it from the other tools.
 std::string_view ownName(std::string_view ld) {
@@ -45,8 +45,9 @@ LinkerTools LinkerTools::configured(UserRegistry& registry, HostSpelling& spelli
   if (const char* const chosen = ::getenv("FORGEYARD_LINKER"); chosen && *chosen) {
     return fromText(chosen, spelling);
   }
-  const std::string set = registry.get().value(registry_keys::BUILD_TOOL, registry_keys::LINKER).value_or("");
-  return fromText(set.empty() ? DEFAULT_PREFIX : std::string_view(set), spelling);
+  const std::string set =
+      registry.get().value(registry_keys::kBuildTool, registry_keys::kLinker).value_or("");
+  return fromText(set.empty() ? kDefaultPrefix : std::string_view(set), spelling);
 }
 
 std::vector<std::string> runtimeDirectories(const LinkerTools& tools, const std::string& temporaryFile) {

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::string_view HELP =
+constexpr std::string_view kHelp =
     "usage: TRAMLINK [SWITCH...] [-OPTION...] @SCRIPT,OUTPUT[,SYMBOLS[,MAP]]\n"
     "\n"
     "Links what SCRIPT names, in the language of the GNU linker (ENTRY, INPUT, GROUP, SECTIONS, INCLUDE...) "
@@ -62,7 +62,7 @@ int run(const forgeyard::Diagnostics& diagnostics, const std::vector<std::string
 
 int main(int count, char** arguments) {
   const forgeyard::Diagnostics diagnostics("TRAMLINK");
-  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, HELP); answered >= 0) {
+  if (const int answered = forgeyard::answerHelp(diagnostics, count, arguments, kHelp); answered >= 0) {
     return answered;
   }
   try {

@@ -6,17 +6,17 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::size_t LONGEST_NAME = 40;
+constexpr std::size_t kLongestName = 40;
 
 class Record {
  public:
   explicit Record(std::string_view type) : text_(type) {}
 
   void add(std::size_t byte) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
     sum_ = static_cast<std::uint8_t>(sum_ + byte);
-    text_ += DIGITS[byte >> 4 & 15];
-    text_ += DIGITS[byte & 15];
+    text_ += kDigits[byte >> 4 & 15];
+    text_ += kDigits[byte & 15];
   }
   std::string finish() {
     add(static_cast<std::uint8_t>(~sum_));
@@ -29,10 +29,10 @@ class Record {
 };
 
 std::string header(std::string_view name) {
-  name = name.substr(0, LONGEST_NAME);
-  constexpr std::size_t ADDRESS_AND_SUM = 3;
+  name = name.substr(0, kLongestName);
+  constexpr std::size_t kAddressAndSum = 3;
   Record record("S0");
-  record.add(name.size() + ADDRESS_AND_SUM);
+  record.add(name.size() + kAddressAndSum);
   record.add(0);
   record.add(0);
   for (const char c : name) record.add(static_cast<unsigned char>(c));

@@ -5,9 +5,9 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::string_view BLANKS = " \t\r\n\f\v";
-constexpr std::string_view MARKS = "(){},;";
-constexpr std::string_view WORD_ENDS = " \t\r\n\f\v(){},;\"";
+constexpr std::string_view kBlanks = " \t\r\n\f\v";
+constexpr std::string_view kMarks = "(){},;";
+constexpr std::string_view kWordEnds = " \t\r\n\f\v(){},;\"";
 
 }  // namespace
 
@@ -21,7 +21,7 @@ ScriptToken ScriptScanner::take(ScriptToken::Kind kind, std::size_t size) {
 ScriptToken ScriptScanner::next() {
   using Kind = ScriptToken::Kind;
   if (rest_.empty()) return take(Kind::End, 0);
-  if (BLANKS.find(rest_.front()) != BLANKS.npos) return take(Kind::Space, rest_.find_first_not_of(BLANKS));
+  if (kBlanks.find(rest_.front()) != kBlanks.npos) return take(Kind::Space, rest_.find_first_not_of(kBlanks));
   if (rest_.starts_with("/*")) {
     const std::size_t end = rest_.find("*/", 2);
     return take(Kind::Comment, end == rest_.npos ? end : end + 2);
@@ -30,8 +30,8 @@ ScriptToken ScriptScanner::next() {
     const std::size_t end = rest_.find_first_of("\"\n", 1);
     return take(Kind::Quoted, end == rest_.npos || rest_[end] == '\n' ? end : end + 1);
   }
-  if (MARKS.find(rest_.front()) != MARKS.npos) return take(Kind::Mark, 1);
-  return take(Kind::Word, rest_.find_first_of(WORD_ENDS));
+  if (kMarks.find(rest_.front()) != kMarks.npos) return take(Kind::Mark, 1);
+  return take(Kind::Word, rest_.find_first_of(kWordEnds));
 }
 
 }  // namespace forgeyard

@@ -18,7 +18,7 @@ namespace {
 HostPaths pathsOfRegistry() {
   HostPaths paths;
   const Registry registry = Registry::load(Registry::defaultFile());
-  const std::optional<RegistryKey> drives = registry.open(registry_keys::DRIVES);
+  const std::optional<RegistryKey> drives = registry.open(registry_keys::kDrives);
   if (!drives) return paths;
   for (const std::string& drive : drives->valueNames()) {
     // A value that names no drive or no absolute directory maps nothing.

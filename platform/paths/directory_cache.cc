@@ -15,10 +15,10 @@
 namespace forgeyard {
 namespace {
 
-constexpr char32_t NO_BREAK_SPACE = 0xA0;
+constexpr char32_t kNoBreakSpace = 0xA0;
 
 char32_t hashedForm(char32_t c) {
-  return c == NO_BREAK_SPACE ? U' ' : foldCharacter(c);
+  return c == kNoBreakSpace ? U' ' : foldCharacter(c);
 }
 
 // Equal for all names that may stand for one another.
@@ -40,7 +40,7 @@ bool standsFor(std::string_view wanted, std::string_view onDisk) {
   while (left < wanted.size() && right < onDisk.size()) {
     const DecodedCharacter a = decodeCharacter(wanted, left);
     const DecodedCharacter b = decodeCharacter(onDisk, right);
-    const bool blank = a.codePoint == NO_BREAK_SPACE && b.codePoint == U' ';
+    const bool blank = a.codePoint == kNoBreakSpace && b.codePoint == U' ';
     if (!blank && foldCharacter(a.codePoint) != foldCharacter(b.codePoint)) return false;
     left += a.length;
     right += b.length;

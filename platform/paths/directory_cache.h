@@ -19,10 +19,10 @@ namespace forgeyard {
 // and no listing. Bounded: the listings used longest ago go first. Used by one thread at a time.
 class DirectoryCache {
  public:
-  static constexpr std::size_t DEFAULT_NAMES = 200'000;
+  static constexpr std::size_t kDefaultNames = 200'000;
 
   // `maximumNames`: of all listings together; a single directory may hold more.
-  explicit DirectoryCache(std::size_t maximumNames = DEFAULT_NAMES) : maximumNames_(maximumNames) {}
+  explicit DirectoryCache(std::size_t maximumNames = kDefaultNames) : maximumNames_(maximumNames) {}
   DirectoryCache(const DirectoryCache&) = delete;
   DirectoryCache& operator=(const DirectoryCache&) = delete;
 

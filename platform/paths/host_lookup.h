@@ -16,7 +16,7 @@ namespace forgeyard {
 // the process's directory. Owns its table of drives and its cache; used by one thread at a time.
 class HostLookup {
  public:
-  explicit HostLookup(HostPaths paths = {}, std::size_t cachedNames = DirectoryCache::DEFAULT_NAMES)
+  explicit HostLookup(HostPaths paths = {}, std::size_t cachedNames = DirectoryCache::kDefaultNames)
       : paths_(std::move(paths)), cache_(cachedNames) {}
 
   const HostPaths& paths() const noexcept { return paths_; }

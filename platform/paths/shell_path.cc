@@ -13,7 +13,7 @@ template <class Char>
 using Text = std::basic_string<Char>;
 
 template <class Char>
-constexpr Char BACKSLASH = Char('\\');
+constexpr Char kBackslash = Char('\\');
 
 template <class Char>
 bool isSeparator(Char c) {
@@ -28,13 +28,13 @@ bool startsWithDrive(View<Char> path) {
 // A root from which `..` leads nowhere: `\`, `\\`, `X:\`, `\\server\share` and that with a backslash.
 template <class Char>
 bool isRoot(View<Char> path) {
-  if (path.size() == 3 && startsWithDrive(path)) return path[2] == BACKSLASH<Char>;
-  if (path.empty() || path[0] != BACKSLASH<Char>) return false;
+  if (path.size() == 3 && startsWithDrive(path)) return path[2] == kBackslash<Char>;
+  if (path.empty() || path[0] != kBackslash<Char>) return false;
   if (path.size() == 1) return true;
-  if (path[1] != BACKSLASH<Char>) return false;
-  const std::size_t share = path.find(BACKSLASH<Char>, 2);
+  if (path[1] != kBackslash<Char>) return false;
+  const std::size_t share = path.find(kBackslash<Char>, 2);
   if (share == path.npos) return true;
-  const std::size_t end = path.find(BACKSLASH<Char>, share + 1);
+  const std::size_t end = path.find(kBackslash<Char>, share + 1);
   return end == path.npos || end + 1 == path.size();
 }
 
@@ -43,16 +43,16 @@ bool isRoot(View<Char> path) {
 template <class Char>
 void goUp(Text<Char>& path) {
   if (path.empty()) return;
-  const std::size_t before = path.size() < 2 ? path.npos : path.rfind(BACKSLASH<Char>, path.size() - 2);
+  const std::size_t before = path.size() < 2 ? path.npos : path.rfind(kBackslash<Char>, path.size() - 2);
   path.resize(before != path.npos ? before : startsWithDrive<Char>(path) ? 2 : 0);
 }
 
 // `path` ends where a last `.` stood: the backslash before that goes as well.
 template <class Char>
 void dropLastBackslash(Text<Char>& path) {
-  if (path.size() > 1 && path.back() == BACKSLASH<Char> &&
+  if (path.size() > 1 && path.back() == kBackslash<Char> &&
       !(path.size() == 3 && startsWithDrive<Char>(path)) &&
-      !(path.size() == 2 && path[0] == BACKSLASH<Char>)) {
+      !(path.size() == 2 && path[0] == kBackslash<Char>)) {
     path.pop_back();
   }
 }
@@ -63,11 +63,11 @@ std::optional<Text<Char>> canonicalize(View<Char> path, std::size_t limit) {
   result.reserve(path.size() + 1);
   std::size_t at = 0;
   while (at < path.size()) {
-    if (path[at] == BACKSLASH<Char>) {
+    if (path[at] == kBackslash<Char>) {
       result += path[at++];
       continue;
     }
-    const std::size_t end = std::min(path.find(BACKSLASH<Char>, at), path.size());
+    const std::size_t end = std::min(path.find(kBackslash<Char>, at), path.size());
     const View<Char> component = path.substr(at, end - at);
     const bool dot = component.size() == 1 && component[0] == Char('.');
     const bool dotDot = component.size() == 2 && component[0] == Char('.') && component[1] == Char('.');
@@ -82,7 +82,7 @@ std::optional<Text<Char>> canonicalize(View<Char> path, std::size_t limit) {
       result += component;
     }
   }
-  if (result.empty() || (result.size() == 2 && startsWithDrive<Char>(result))) result += BACKSLASH<Char>;
+  if (result.empty() || (result.size() == 2 && startsWithDrive<Char>(result))) result += kBackslash<Char>;
   if (result.size() >= limit) return std::nullopt;
   return result;
 }
@@ -91,14 +91,14 @@ template <class Char>
 bool isRelative(View<Char> path) {
   if (path.empty()) return true;
   // A drive is one byte, so a wide character that takes more of them names none.
-  return path[0] != BACKSLASH<Char> && !(startsWithDrive(path) && static_cast<char32_t>(path[0]) < 0x80);
+  return path[0] != kBackslash<Char> && !(startsWithDrive(path) && static_cast<char32_t>(path[0]) < 0x80);
 }
 
 template <class Char>
 bool addBackslash(Text<Char>& path, std::size_t limit) {
-  if (path.empty() || path.back() == BACKSLASH<Char>) return true;
+  if (path.empty() || path.back() == kBackslash<Char>) return true;
   if (path.size() + 1 >= limit) return false;
-  path += BACKSLASH<Char>;
+  path += kBackslash<Char>;
   return true;
 }
 
@@ -117,7 +117,7 @@ template <class Char>
 std::size_t extensionStart(View<Char> path) {
   for (std::size_t at = path.size(); at-- > 0;) {
     if (path[at] == Char('.')) return at;
-    if (path[at] == BACKSLASH<Char> || path[at] == Char(' ')) break;
+    if (path[at] == kBackslash<Char> || path[at] == Char(' ')) break;
   }
   return path.size();
 }
@@ -127,13 +127,13 @@ std::size_t extensionStart(View<Char> path) {
 template <class Char>
 std::size_t directoryEnd(View<Char> path) {
   std::size_t at = 0;
-  while (at < 2 && at < path.size() && path[at] == BACKSLASH<Char>) ++at;
+  while (at < 2 && at < path.size() && path[at] == kBackslash<Char>) ++at;
   std::size_t end = at;
   for (; at < path.size(); ++at) {
-    if (path[at] == BACKSLASH<Char>) {
+    if (path[at] == kBackslash<Char>) {
       end = at;
     } else if (path[at] == Char(':')) {
-      if (at + 1 < path.size() && path[at + 1] == BACKSLASH<Char>) ++at;
+      if (at + 1 < path.size() && path[at + 1] == kBackslash<Char>) ++at;
       end = at + 1;
     }
   }
@@ -161,18 +161,18 @@ bool makePretty(Text<Char>& path) {
 template <class Char>
 std::size_t rootLength(View<Char> path) {
   std::size_t length = startsWithDrive(path) ? 2 : 0;
-  while (length < path.size() && path[length] == BACKSLASH<Char>) ++length;
+  while (length < path.size() && path[length] == kBackslash<Char>) ++length;
   return length;
 }
 
 template <class Char>
 std::size_t componentEnd(View<Char> path, std::size_t at) {
-  return std::min(path.find(BACKSLASH<Char>, at), path.size());
+  return std::min(path.find(kBackslash<Char>, at), path.size());
 }
 
 template <class Char>
 std::size_t skipBackslashes(View<Char> path, std::size_t at) {
-  while (at < path.size() && path[at] == BACKSLASH<Char>) ++at;
+  while (at < path.size() && path[at] == kBackslash<Char>) ++at;
   return at;
 }
 
@@ -219,13 +219,13 @@ std::optional<Text<Char>> relativePath(View<Char> from, PathKind fromKind, View<
   if (!common.any) return std::nullopt;
   Text<Char> result;
   for (std::size_t at = common.inFrom; at < from.size(); at = skipBackslashes(from, componentEnd(from, at))) {
-    if (!result.empty()) result += BACKSLASH<Char>;
+    if (!result.empty()) result += kBackslash<Char>;
     result.append(2, Char('.'));
   }
   if (result.empty()) result += Char('.');
   const View<Char> rest = to.substr(skipBackslashes(to, common.inTo));
   if (!rest.empty()) {
-    result += BACKSLASH<Char>;
+    result += kBackslash<Char>;
     result += rest;
   }
   if (result.size() >= limit) return std::nullopt;

@@ -11,17 +11,17 @@ namespace forgeyard {
 // The path functions of the model: pure text work on backslash paths, narrow (UTF-8) or wide, with one body
 // for both. No file is looked at. Functions that give a view give a part of their argument.
 //
-// `limit` is the length, terminator counted, that a result must stay below. MAX_PATH is what the functions
+// `limit` is the length, terminator counted, that a result must stay below. kMaxPath is what the functions
 // promise by their contract and the default. Callers that work on real files of this system, whose paths may
 // be far longer (the components' directories, file lists and dependencies, the project's files), lift it with
-// NO_PATH_LIMIT; what speaks to a repository keeps it, since its names are bounded.
-inline constexpr std::size_t MAX_PATH = 260;
-inline constexpr std::size_t NO_PATH_LIMIT = std::numeric_limits<std::size_t>::max();
+// kNoPathLimit; what speaks to a repository keeps it, since its names are bounded.
+inline constexpr std::size_t kMaxPath = 260;
+inline constexpr std::size_t kNoPathLimit = std::numeric_limits<std::size_t>::max();
 
 // The path with its `.` and `..` components resolved; components are separated by backslashes only. An empty
 // result becomes `\`, a bare drive its root. Nothing if the result reaches the limit.
-std::optional<std::string> PathCanonicalizeA(std::string_view path, std::size_t limit = MAX_PATH);
-std::optional<std::u16string> PathCanonicalizeA(std::u16string_view path, std::size_t limit = MAX_PATH);
+std::optional<std::string> PathCanonicalizeA(std::string_view path, std::size_t limit = kMaxPath);
+std::optional<std::u16string> PathCanonicalizeA(std::u16string_view path, std::size_t limit = kMaxPath);
 
 // True if the file's text matches one of the patterns of a semicolon list, without regard to case. `*` stands
 // for any text, separators included, and `?` for one character. Blanks before a pattern don't count, blanks
@@ -39,8 +39,8 @@ bool PathIsRelativeA(std::u16string_view path) noexcept;
 
 // Appends a backslash unless the path is empty or ends in one. False, with the path unchanged, if the result
 // would reach the limit.
-bool PathAddBackslashA(std::string& path, std::size_t limit = NO_PATH_LIMIT);
-bool PathAddBackslashA(std::u16string& path, std::size_t limit = NO_PATH_LIMIT);
+bool PathAddBackslashA(std::string& path, std::size_t limit = kNoPathLimit);
+bool PathAddBackslashA(std::u16string& path, std::size_t limit = kNoPathLimit);
 
 // The last component, with the separators behind it; the whole path if there is none.
 std::string_view PathFindFileNameA(std::string_view path) noexcept;
@@ -73,9 +73,9 @@ enum class PathKind { File, Directory };
 // of the way. Nothing if the two have no root or first component in common, or if the result reaches the
 // limit.
 std::optional<std::string> PathRelativePathToA(std::string_view from, PathKind fromKind, std::string_view to,
-                                               PathKind toKind, std::size_t limit = MAX_PATH);
+                                               PathKind toKind, std::size_t limit = kMaxPath);
 std::optional<std::u16string> PathRelativePathToA(std::u16string_view from, PathKind fromKind,
                                                   std::u16string_view to, PathKind toKind,
-                                                  std::size_t limit = MAX_PATH);
+                                                  std::size_t limit = kMaxPath);
 
 }  // namespace forgeyard

@@ -12,16 +12,16 @@ namespace {
 
 using Kind = RegistryLine::Kind;
 
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-constexpr std::string_view BLANK_LINE = "\xEF\xBB\xBF \t\r\n";  // what a line without content may hold
-constexpr std::string_view ROOT_PREFIX = "HKEY_";
+constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+constexpr std::string_view kBlankLine = "\xEF\xBB\xBF \t\r\n";  // what a line without content may hold
+constexpr std::string_view kRootPrefix = "HKEY_";
 
 // The key's name as sections spell it.
 std::string fullKeyOf(std::string_view key) {
   while (key.starts_with('\\')) key.remove_prefix(1);
   while (key.ends_with('\\')) key.remove_suffix(1);
-  if (equalFoldedAscii(key.substr(0, ROOT_PREFIX.size()), ROOT_PREFIX)) return std::string(key);
-  std::string full(registry_keys::ROOT);
+  if (equalFoldedAscii(key.substr(0, kRootPrefix.size()), kRootPrefix)) return std::string(key);
+  std::string full(registry_keys::kRoot);
   if (!key.empty()) full.append("\\").append(key);
   return full;
 }
@@ -48,7 +48,7 @@ std::optional<std::size_t> placeBelow(std::string_view section, std::string_view
 }
 
 bool isBlank(const RegistryLine& line) {
-  return line.raw.find_first_not_of(BLANK_LINE) == std::string_view::npos;
+  return line.raw.find_first_not_of(kBlankLine) == std::string_view::npos;
 }
 
 bool isSectionOf(const RegistryLine& line, std::string_view fullKey) {
@@ -111,9 +111,9 @@ Registry Registry::parse(std::string_view text) {
 
 void Registry::addText(std::string_view text) {
   std::string_view rest = storage_.emplace_front(text);
-  if (rest.starts_with(BYTE_ORDER_MARK)) {
-    lines_.push_back({Kind::Other, rest.substr(0, BYTE_ORDER_MARK.size()), {}, {}});
-    rest.remove_prefix(BYTE_ORDER_MARK.size());
+  if (rest.starts_with(kByteOrderMark)) {
+    lines_.push_back({Kind::Other, rest.substr(0, kByteOrderMark.size()), {}, {}});
+    rest.remove_prefix(kByteOrderMark.size());
   }
   const std::size_t firstEnd = rest.find('\n');
   if (firstEnd != rest.npos && firstEnd > 0 && rest[firstEnd - 1] == '\r') lineEnd_ = "\r\n";
@@ -153,7 +153,7 @@ const RegistryLine* Registry::findValue(std::string_view fullKey, std::string_vi
 
 std::optional<RegistryKey> Registry::open(std::string_view key) const {
   std::string fullKey = fullKeyOf(key);
-  const bool exists = equalFolded(fullKey, registry_keys::ROOT) ||
+  const bool exists = equalFolded(fullKey, registry_keys::kRoot) ||
                       std::any_of(lines_.begin(), lines_.end(), [&](const RegistryLine& line) {
                         return isSectionAtOrBelow(line, fullKey);
                       });

@@ -14,8 +14,8 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::size_t MAXIMUM_SIZE = std::size_t{16} << 20;  // in bytes; far beyond anything made by hand
-constexpr int MAXIMUM_LINKS = 40;
+constexpr std::size_t kMaximumSize = std::size_t{16} << 20;  // in bytes; far beyond anything made by hand
+constexpr int kMaximumLinks = 40;
 
 using MaybeError = std::optional<RegistryError>;
 
@@ -52,7 +52,7 @@ MaybeError readAll(const std::string& file, int fd, std::size_t expected, std::s
     if (count < 0) return failure(file, "the registry can't be read", errno);
     filled += static_cast<std::size_t>(count);
     if (count == 0 || (filled == expected && expected > 0)) break;
-    if (filled > MAXIMUM_SIZE) return refusal(file, "the registry is larger than 16 MB", EFBIG);
+    if (filled > kMaximumSize) return refusal(file, "the registry is larger than 16 MB", EFBIG);
     if (filled == content.size()) content.resize(content.size() * 2);
   }
   content.resize(filled);
@@ -71,7 +71,7 @@ MaybeError readFile(const std::string& file, std::string& content) {
   if (!S_ISREG(status.st_mode) && !S_ISCHR(status.st_mode)) {
     return refusal(file, "the registry must be a plain file", EINVAL);
   }
-  if (status.st_size > static_cast<off_t>(MAXIMUM_SIZE)) {
+  if (status.st_size > static_cast<off_t>(kMaximumSize)) {
     return refusal(file, "the registry is larger than 16 MB", EFBIG);
   }
   return readAll(file, fd.get(), static_cast<std::size_t>(status.st_size), content);
@@ -86,7 +86,7 @@ std::string directoryOf(const std::string& file) {
 // The file itself behind any symbolic links, which may lead to a file that is yet to be made.
 MaybeError followLinks(std::string& file) {
   const std::string named = file;
-  for (int links = 0; links < MAXIMUM_LINKS; ++links) {
+  for (int links = 0; links < kMaximumLinks; ++links) {
     char target[4096];
     const ssize_t length = ::readlink(file.c_str(), target, sizeof target);
     if (length < 0) return std::nullopt;

@@ -5,21 +5,21 @@
 namespace forgeyard::registry_keys {
 
 // Keys below HKEY_CURRENT_USER that more than one program knows.
-inline constexpr std::string_view ROOT = "HKEY_CURRENT_USER";
-inline constexpr std::string_view KORVEL = R"(Software\Korvel)";
+inline constexpr std::string_view kRoot = "HKEY_CURRENT_USER";
+inline constexpr std::string_view kKorvel = R"(Software\Korvel)";
 // Value of KORVEL: the directory of the installation, a backslash path.
-inline constexpr std::string_view HOME = "Home";
-inline constexpr std::string_view BUILD_TOOL = R"(Software\Korvel\Build Tool)";
-// Value of BUILD_TOOL: the GNU linker behind the linker component, a prefix of its tool chain or its path.
-inline constexpr std::string_view LINKER = "Linker";
+inline constexpr std::string_view kHome = "Home";
+inline constexpr std::string_view kBuildTool = R"(Software\Korvel\Build Tool)";
+// Value of kBuildTool: the GNU linker behind the linker component, a prefix of its tool chain or its path.
+inline constexpr std::string_view kLinker = "Linker";
 // One value for each known target; only the names count.
-inline constexpr std::string_view TARGETS = R"(Software\Korvel\Build Tool\Targets)";
+inline constexpr std::string_view kTargets = R"(Software\Korvel\Build Tool\Targets)";
 // Value name the target, text the beginning of the command line.
-inline constexpr std::string_view COMPILERS = R"(Software\Korvel\Build Tool\Compilers)";
-inline constexpr std::string_view ASSEMBLERS = R"(Software\Korvel\Build Tool\Assemblers)";
+inline constexpr std::string_view kCompilers = R"(Software\Korvel\Build Tool\Compilers)";
+inline constexpr std::string_view kAssemblers = R"(Software\Korvel\Build Tool\Assemblers)";
 // Value name "C:", text the host directory.
-inline constexpr std::string_view DRIVES = R"(Software\Korvel\Build Tool\Drives)";
+inline constexpr std::string_view kDrives = R"(Software\Korvel\Build Tool\Drives)";
 // Value names: tools that get their arguments as they stand, not spelled for the host.
-inline constexpr std::string_view NATIVE_PATHS = R"(Software\Korvel\Build Tool\Native Paths)";
+inline constexpr std::string_view kNativePaths = R"(Software\Korvel\Build Tool\Native Paths)";
 
 }  // namespace forgeyard::registry_keys

@@ -5,7 +5,7 @@
 namespace forgeyard {
 namespace {
 
-constexpr std::string_view UNNAMED = "@";
+constexpr std::string_view kUnnamed = "@";
 constexpr std::string_view ESCAPABLE("\t\n\r %;=@[]\0", 11);
 // What can't stand anywhere in a line as it is.
 constexpr std::string_view NEVER_PLAIN("\n\r\0", 3);
@@ -38,11 +38,11 @@ std::optional<char> escapedAt(std::string_view text, std::size_t at) {
 }
 
 void appendEscaped(std::string& line, char c) {
-  constexpr std::string_view DIGITS = "0123456789ABCDEF";
+  constexpr std::string_view kDigits = "0123456789ABCDEF";
   const unsigned byte = static_cast<unsigned char>(c);
   line += '%';
-  line += DIGITS[byte >> 4];
-  line += DIGITS[byte & 15];
+  line += kDigits[byte >> 4];
+  line += kDigits[byte & 15];
 }
 
 // Appends the text so that it reads back the same. `anywhere` and `atStart` are further characters that must
@@ -87,7 +87,7 @@ RegistryLine readRegistryLine(std::string_view raw) noexcept {
   line.kind = RegistryLine::Kind::Value;
   line.name = strip(content.substr(0, equals));
   line.data = strip(content.substr(equals + 1));
-  if (line.name == UNNAMED) line.name = {};
+  if (line.name == kUnnamed) line.name = {};
   return line;
 }
 
@@ -114,8 +114,8 @@ std::string registrySectionLine(std::string_view key) {
 std::string registryValueLine(std::string_view name, std::string_view text) {
   std::string line;
   if (name.empty()) {
-    line = UNNAMED;
-  } else if (name == UNNAMED) {
+    line = kUnnamed;
+  } else if (name == kUnnamed) {
     appendEscaped(line, '@');
   } else {
     appendText(line, name, "=", ";[");

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/com/status.h"
-#include "platform/storage/scratch_pages.h"
+#include "platform/storage/disk/scratch_pages.h"
 #include "platform/text/bstring.h"
 
 namespace forgeyard::compound {

@@ -2,9 +2,9 @@
 
 #include <utility>
 
-#include "platform/storage/compound_layout.h"
-#include "platform/storage/compound_writer.h"
-#include "platform/storage/model_path.h"
+#include "platform/storage/compound_file/compound_layout.h"
+#include "platform/storage/compound_file/compound_writer.h"
+#include "platform/storage/disk/model_path.h"
 
 namespace forgeyard::compound {
 namespace {

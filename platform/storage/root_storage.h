@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/storage/compound_reader.h"
-#include "platform/storage/file_calls.h"
-#include "platform/storage/locked_file.h"
+#include "platform/storage/compound_file/compound_reader.h"
+#include "platform/storage/disk/file_calls.h"
+#include "platform/storage/disk/locked_file.h"
 #include "platform/storage/storage_object.h"
 #include "platform/storage/structured_storage.h"
 

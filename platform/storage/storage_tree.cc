@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/storage/element_name.h"
+#include "platform/storage/compound_file/element_name.h"
 
 namespace forgeyard::compound {
 namespace {

@@ -6,7 +6,7 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/storage/element_name.h"
+#include "platform/storage/compound_file/element_name.h"
 #include "platform/storage/open_element.h"
 #include "platform/storage/storage_tree.h"
 #include "platform/storage/structured_storage.h"

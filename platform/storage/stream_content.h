@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
-#include "platform/storage/byte_runs.h"
-#include "platform/storage/host_file.h"
-#include "platform/storage/scratch_pages.h"
+#include "platform/storage/compound_file/byte_runs.h"
+#include "platform/storage/disk/host_file.h"
+#include "platform/storage/disk/scratch_pages.h"
 
 namespace forgeyard::compound {
 

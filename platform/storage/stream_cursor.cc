@@ -4,7 +4,7 @@
 #include <mutex>
 #include <utility>
 
-#include "platform/storage/compound_layout.h"
+#include "platform/storage/compound_file/compound_layout.h"
 
 namespace forgeyard::compound {
 namespace {

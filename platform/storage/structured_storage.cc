@@ -1,7 +1,7 @@
 #include "platform/storage/structured_storage.h"
 
-#include "platform/storage/file_calls.h"
-#include "platform/storage/model_path.h"
+#include "platform/storage/disk/file_calls.h"
+#include "platform/storage/disk/model_path.h"
 #include "platform/storage/root_storage.h"
 
 namespace forgeyard {

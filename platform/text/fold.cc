@@ -18,7 +18,7 @@ constexpr UpperRange ALTERNATING(char32_t first, char32_t last) {
   return {first, last, 1, true};
 }
 
-constexpr UpperRange UPPER[] = {
+constexpr UpperRange kUpper[] = {
     {0x00B5, 0x00B5, 0x307},                                   // micro sign to Greek mu
     {0x00C0, 0x00D6, 32},                                      // Latin 1
     {0x00D8, 0x00DE, 32},        ALTERNATING(0x0100, 0x012F),  // Latin extended
@@ -60,7 +60,7 @@ bool equalFoldedText(std::basic_string_view<Char> a, std::basic_string_view<Char
 
 char32_t foldCharacter(char32_t c) noexcept {
   if (c < 0x80) return foldAscii(c);
-  for (const UpperRange& range : UPPER) {
+  for (const UpperRange& range : kUpper) {
     if (c < range.first) return c;
     if (c > range.last) continue;
     if (range.alternating && (c - range.first) % 2 != 0) return c;

@@ -6,24 +6,24 @@
 namespace forgeyard {
 namespace {
 
-constexpr char32_t FIRST_HIGH = 0xD800;
-constexpr char32_t FIRST_LOW = 0xDC00;
-constexpr char32_t PAST_LOW = 0xE000;
-constexpr char32_t FIRST_ESCAPE = 0xDC80;  // the escape of byte 0x80
-constexpr char32_t PAST_ESCAPE = 0xDD00;
-constexpr std::size_t BLOCK = 8;  // characters that are looked at together as long as they are ASCII
+constexpr char32_t kFirstHigh = 0xD800;
+constexpr char32_t kFirstLow = 0xDC00;
+constexpr char32_t kPastLow = 0xE000;
+constexpr char32_t kFirstEscape = 0xDC80;  // the escape of byte 0x80
+constexpr char32_t kPastEscape = 0xDD00;
+constexpr std::size_t kBlock = 8;  // characters that are looked at together as long as they are ASCII
 
 constexpr bool isHigh(char32_t c) {
-  return c >= FIRST_HIGH && c < FIRST_LOW;
+  return c >= kFirstHigh && c < kFirstLow;
 }
 constexpr bool isLow(char32_t c) {
-  return c >= FIRST_LOW && c < PAST_LOW;
+  return c >= kFirstLow && c < kPastLow;
 }
 constexpr bool isEscape(char32_t c) {
-  return c >= FIRST_ESCAPE && c < PAST_ESCAPE;
+  return c >= kFirstEscape && c < kPastEscape;
 }
 constexpr char32_t pairOf(char32_t high, char32_t low) {
-  return 0x10000 + ((high - FIRST_HIGH) << 10) + (low - FIRST_LOW);
+  return 0x10000 + ((high - kFirstHigh) << 10) + (low - kFirstLow);
 }
 
 unsigned byteAt(std::string_view text, std::size_t at) {
@@ -76,30 +76,30 @@ bool blockIsAscii(const char16_t* block) {
 // How many characters there are before the first that is not ASCII.
 std::size_t asciiLength(std::string_view text) {
   std::size_t at = 0;
-  while (text.size() - at >= BLOCK && blockIsAscii(text.data() + at)) at += BLOCK;
+  while (text.size() - at >= kBlock && blockIsAscii(text.data() + at)) at += kBlock;
   while (at < text.size() && byteAt(text, at) < 0x80) ++at;
   return at;
 }
 
 // Blocks of a fixed size compile to a few vector instructions; the last one may overlap the one before.
 void widenAscii(const char* text, std::size_t size, char16_t* out) {
-  constexpr std::size_t WIDE_BLOCK = 16;
+  constexpr std::size_t kWideBlock = 16;
   const auto widenBlock = [&](std::size_t at) {
-    char16_t wide[WIDE_BLOCK];
-    for (std::size_t i = 0; i < WIDE_BLOCK; ++i) wide[i] = static_cast<unsigned char>(text[at + i]);
+    char16_t wide[kWideBlock];
+    for (std::size_t i = 0; i < kWideBlock; ++i) wide[i] = static_cast<unsigned char>(text[at + i]);
     std::memcpy(out + at, wide, sizeof wide);
   };
-  if (size < WIDE_BLOCK) {
+  if (size < kWideBlock) {
     for (std::size_t i = 0; i < size; ++i) out[i] = static_cast<unsigned char>(text[i]);
     return;
   }
-  for (std::size_t at = 0; at + WIDE_BLOCK < size; at += WIDE_BLOCK) widenBlock(at);
-  widenBlock(size - WIDE_BLOCK);
+  for (std::size_t at = 0; at + kWideBlock < size; at += kWideBlock) widenBlock(at);
+  widenBlock(size - kWideBlock);
 }
 
 class WideCounter {
  public:
-  void block(const char*) { length_ += BLOCK; }
+  void block(const char*) { length_ += kBlock; }
   void unit(char32_t) { ++length_; }
   std::size_t length() const { return length_; }
 
@@ -111,8 +111,8 @@ class WideWriter {
  public:
   explicit WideWriter(char16_t* out) : out_(out) {}
   void block(const char* ascii) {
-    for (std::size_t i = 0; i < BLOCK; ++i) out_[i] = static_cast<unsigned char>(ascii[i]);
-    out_ += BLOCK;
+    for (std::size_t i = 0; i < kBlock; ++i) out_[i] = static_cast<unsigned char>(ascii[i]);
+    out_ += kBlock;
   }
   void unit(char32_t unit) { *out_++ = static_cast<char16_t>(unit); }
 
@@ -125,8 +125,8 @@ void putWide(char32_t c, Sink& sink) {
   if (c < 0x10000) {
     sink.unit(c);
   } else {
-    sink.unit(FIRST_HIGH + ((c - 0x10000) >> 10));
-    sink.unit(FIRST_LOW + ((c - 0x10000) & 0x3FF));
+    sink.unit(kFirstHigh + ((c - 0x10000) >> 10));
+    sink.unit(kFirstLow + ((c - 0x10000) & 0x3FF));
   }
 }
 
@@ -154,9 +154,9 @@ template <class Sink>
 void widen(std::string_view text, Sink& sink) {
   std::size_t at = 0;
   while (at < text.size()) {
-    if (text.size() - at >= BLOCK && blockIsAscii(text.data() + at)) {
+    if (text.size() - at >= kBlock && blockIsAscii(text.data() + at)) {
       sink.block(text.data() + at);
-      at += BLOCK;
+      at += kBlock;
       continue;
     }
     const DecodedCharacter next = decodeCharacter(text, at);
@@ -171,7 +171,7 @@ void widen(std::string_view text, Sink& sink) {
 
 class NarrowCounter {
  public:
-  void block(const char16_t*) { length_ += BLOCK; }
+  void block(const char16_t*) { length_ += kBlock; }
   void byte(char32_t) { ++length_; }
   std::size_t length() const { return length_; }
 
@@ -183,8 +183,8 @@ class NarrowWriter {
  public:
   explicit NarrowWriter(char* out) : out_(out) {}
   void block(const char16_t* ascii) {
-    for (std::size_t i = 0; i < BLOCK; ++i) out_[i] = static_cast<char>(ascii[i]);
-    out_ += BLOCK;
+    for (std::size_t i = 0; i < kBlock; ++i) out_[i] = static_cast<char>(ascii[i]);
+    out_ += kBlock;
   }
   void byte(char32_t byte) { *out_++ = static_cast<char>(byte); }
 
@@ -217,9 +217,9 @@ template <class Sink>
 void makeNarrow(std::u16string_view text, Sink& sink) {
   std::size_t at = 0;
   while (at < text.size()) {
-    if (text.size() - at >= BLOCK && blockIsAscii(text.data() + at)) {
+    if (text.size() - at >= kBlock && blockIsAscii(text.data() + at)) {
       sink.block(text.data() + at);
-      at += BLOCK;
+      at += kBlock;
       continue;
     }
     const DecodedCharacter next = decodeCharacter(text, at);

@@ -13,12 +13,12 @@ class AssemblerProgramTest : public ProgramTest {
     tree_.makeDirectory("out");
   }
   static constexpr const char* AS = R"(gnu-as mipsel-linux-gnu-as -KPIC )";
-  static constexpr const char* FILES =
+  static constexpr const char* kFiles =
       R"( /l /w /eVALUE=66 /j~\in c ~\My Files\a b.s,~\out\a b.obj,~\out\a b.sym,~\out\a b.lst)";
 };
 
 TEST_F(AssemblerProgramTest, MakesObjectSymbolsAndListing) {
-  EXPECT_EQ(run(std::string(AS) + "/g" + FILES), (Result{0, ""}));
+  EXPECT_EQ(run(std::string(AS) + "/g" + kFiles), (Result{0, ""}));
   EXPECT_EQ(joined(tree_.names("out")), "a b.lst a b.obj a b.sym");
   const std::string symbols = tree_.content("out/a b.sym");
   EXPECT_NE(symbols.find(" T start\n"), std::string::npos) << symbols;
@@ -29,7 +29,7 @@ TEST_F(AssemblerProgramTest, MakesObjectSymbolsAndListing) {
 }
 
 TEST_F(AssemblerProgramTest, SwitchesReachTheObjectAndTheListing) {
-  EXPECT_EQ(run(std::string(AS) + "/c /m" + FILES), (Result{0, ""}));
+  EXPECT_EQ(run(std::string(AS) + "/c /m" + kFiles), (Result{0, ""}));
   EXPECT_EQ(tree_.content("out/a b.sym").find("local"), std::string::npos) << "without /g";
   const std::string listing = tree_.content("out/a b.lst");
   EXPECT_NE(listing.find("0x12345678"), std::string::npos) << "/c";

@@ -4,6 +4,7 @@
 #include "platform/threads/named_event.h"
 #include "tests/adapters/component_reader.h"
 #include "tests/adapters/program_test.h"
+#include "tests/support/places.h"
 
 namespace forgeyard {
 namespace {
@@ -155,7 +156,7 @@ TEST_F(CompilerProgramTest, ADirectoryThatCannotBeWrittenToIsReasonToWarnButNotT
   namespace fs = std::filesystem;
   for (const char* open : {"out", "tmp"}) fs::permissions(tree_ / open, fs::perms(0777));
   fs::permissions(tree_.path(), fs::perms(0555));
-  std::vector<std::string> words = {FORGEYARD_BIN_DIR "/gnu-cc",    "gcc", "-c", "-MD", tree_.model("a.c"),
+  std::vector<std::string> words = {places::programs() + "/gnu-cc", "gcc", "-c", "-MD", tree_.model("a.c"),
                                     "-o" + tree_.model("out/a.obj")};
   // The superuser may write anywhere.
   const std::vector<std::string> nobody = {"setpriv", "--reuid=65534", "--regid=65534", "--clear-groups",

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <set>
 
-#include "tests/platform_os/scratch.h"
+#include "tests/platform/support/scratch.h"
 
 namespace forgeyard {
 namespace {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/paths/command_line.h"
-#include "tests/platform_os/scratch.h"
+#include "tests/platform/support/scratch.h"
 
 namespace forgeyard {
 

@@ -3,6 +3,7 @@
 #include "hosts/console/base/program_paths.h"
 #include "tests/console/console_sandbox.h"
 #include "tests/console/project_builder.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -106,7 +107,7 @@ TEST_F(CompletionOfShells, WorksBesideABuildAndMakesNothing) {
 TEST_F(CompletionOfShells, ScriptWorksInBash) {
   makeContents();
   put("other.txt", "");
-  const std::string program = std::string(FORGEYARD_BIN_DIR) + "/forgeyard";
+  const std::string program = places::programs() + "/forgeyard";
   const std::string script =
       "compopt() { :; }; source <('" + program +
       "' completion bash)\n"

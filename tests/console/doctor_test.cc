@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "tests/console/console_sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -32,7 +33,7 @@ TEST_F(Doctor, FindsThatBuildsCanWorkBeforeTheFirstStartAndBehindIt) {
   for (const bool first : {true, false}) {
     const Outcome outcome = examined();
     EXPECT_EQ(outcome.exitCode, 0) << outcome.output;
-    EXPECT_THAT(outcome.output, HasSubstr("ok       module     " FORGEYARD_BIN_DIR "/Forgeyard.so\n"));
+    EXPECT_THAT(outcome.output, HasSubstr("ok       module     " + places::programs() + "/Forgeyard.so\n"));
     EXPECT_THAT(outcome.output,
                 ContainsRegex("ok       target     native, compiler: gnu-cc gcc .*/gcc, gcc "));
     EXPECT_THAT(outcome.output, HasSubstr("runtime, yours, mode 0700\n"));
@@ -98,7 +99,7 @@ TEST_F(Doctor, TellsWhatIsBroken) {
 }
 
 TEST_F(Doctor, TellsWhatIsMissingOfTheInstallation) {
-  const std::string bin = FORGEYARD_BIN_DIR;
+  const std::string bin = places::programs();
   fs::create_directories(path("inst/bin"));
   for (const char* name : {"forgeyard", "libforgeyard-platform.so", "TideSpawn.exe", "gnu-cc"})
     fs::copy(bin + "/" + name, path("inst/bin"));

@@ -8,6 +8,7 @@
 
 #include "tests/console/console_sandbox.h"
 #include "tests/console/project_builder.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -52,7 +53,7 @@ TEST_F(Dump, ReferenceFilesHoldWhatTheirDescriptionsSay) {
 }
 
 TEST_F(Dump, TheTextKeepsItsForm) {
-  const std::string golden = FORGEYARD_GOLDEN_DEFAULT;
+  const std::string golden = places::golden();
   const struct {
     Lines arguments;
     const char* text;

@@ -5,6 +5,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/console/console_sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -28,7 +29,7 @@ const OtherBuild kOtherBuilds[] = {{"ninja", "build.ninja", {"ninja"}, "no work 
 class Export : public ConsoleSandbox {
  protected:
   void makeSample(const std::string& name) const {
-    fs::copy(FORGEYARD_SAMPLES "/" + name, directory(), fs::copy_options::recursive);
+    fs::copy(places::samples() + "/" + name, directory(), fs::copy_options::recursive);
     e2e::Start making = start({});
     making.environment.push_back("FORGEYARD=" + making.command.front());
     making.command = {path("make-project.sh")};

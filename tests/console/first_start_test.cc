@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "tests/console/console_sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -19,7 +20,7 @@ class FirstStart : public ConsoleSandbox {
  protected:
   // What this build's programs are entered as.
   static std::string home() {
-    std::string home = fs::path(FORGEYARD_BIN_DIR).parent_path();
+    std::string home = fs::path(places::programs()).parent_path();
     std::replace(home.begin(), home.end(), '/', '\\');
     return "Home=" + home + "\n";
   }
@@ -77,7 +78,7 @@ TEST_F(FirstStart, MendsWhatHasMovedAndKeepsTheRest) {
 TEST_F(FirstStart, KeepsAHomeThatHasASpawner) {
   makeProject();
   fs::create_directories(path("other/bin"));
-  fs::create_symlink(std::string(FORGEYARD_BIN_DIR) + "/TideSpawn.exe", path("other/bin/TideSpawn.exe"));
+  fs::create_symlink(places::programs() + "/TideSpawn.exe", path("other/bin/TideSpawn.exe"));
   std::string other = "Home=" + path("other") + "\n";
   std::replace(other.begin(), other.end(), '/', '\\');
   put(kRegistry, replaced(home(), other));
@@ -96,7 +97,7 @@ TEST_F(FirstStart, SaysWhyTheRegistryCannotBeMade) {
 
 // A copy of the programs in another place, with some of them missing.
 TEST_F(FirstStart, SaysWhatIsMissingOfTheInstallation) {
-  const std::string bin = FORGEYARD_BIN_DIR;
+  const std::string bin = places::programs();
   fs::create_directories(path("inst/bin"));
   fs::copy(bin + "/forgeyard", path("inst/bin"));
   fs::copy(bin + "/libforgeyard-platform.so", path("inst/bin"));

@@ -6,6 +6,7 @@
 
 #include "hosts/console/import/source_text.h"
 #include "tests/console/console_sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -65,7 +66,7 @@ class Import : public ConsoleSandbox {
 TEST_F(Import, SampleBuildsAndRunsAndFollowsItsHeaders) {
   for (const char* way : {"directory", "kind"}) {
     setDirectory(std::string(way) + "/hello");
-    fs::copy(FORGEYARD_SAMPLES "/hello", directory(), fs::copy_options::recursive);
+    fs::copy(places::samples() + "/hello", directory(), fs::copy_options::recursive);
     must({"import", ".", "--folders", way});
     expectBuilds();
     EXPECT_THAT(output("hello"), HasSubstr("4763 checks passed, 0 failed\n"));
@@ -79,7 +80,7 @@ TEST_F(Import, SampleBuildsAndRunsAndFollowsItsHeaders) {
 
 TEST_F(Import, RomBecomesACompilerAnAssemblerAndALinker) {
   setDirectory("rom");
-  fs::copy(FORGEYARD_SAMPLES "/rom", directory(), fs::copy_options::recursive);
+  fs::copy(places::samples() + "/rom", directory(), fs::copy_options::recursive);
   must({"import", ".", "--target", "mips", "--linker-script", "monitor.lk"});
   must({"set", "compile", "SmallDataThreshold=8", "OptimisationLevel=2",
         "Options=-std=c99;-ffreestanding;-fno-tree-loop-distribute-patterns"});

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "tests/console/console_sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -15,7 +16,7 @@ class Installation : public ConsoleSandbox {};
 
 TEST_F(Installation, WorksWhereItIsPut) {
   const std::string prefix = path("my prefix");
-  const Outcome installed = run(FORGEYARD_CMAKE, {"--install", FORGEYARD_BUILD_DIR, "--prefix", prefix});
+  const Outcome installed = run(places::cmake(), {"--install", places::build(), "--prefix", prefix});
   ASSERT_EQ(installed.exitCode, 0) << installed.errors;
   setPrograms(prefix + "/bin");
   const std::string findings = shown({"doctor"});

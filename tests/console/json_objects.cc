@@ -7,6 +7,8 @@
 #include <set>
 #include <string>
 
+#include "tests/support/places.h"
+
 namespace forgeyard::console {
 
 namespace {
@@ -25,7 +27,7 @@ std::set<std::string> quotedIn(const std::string& text) {
 // By type: all words that its row of the description marks.
 std::map<std::string, std::set<std::string>> documentedFields() {
   std::map<std::string, std::set<std::string>> result;
-  std::ifstream file(FORGEYARD_DOCS "/output.md");
+  std::ifstream file(places::docs() + "/output.md");
   for (std::string line; std::getline(file, line);) {
     if (!line.starts_with("| `")) continue;
     const std::string type = line.substr(3, line.find('`', 3) - 3);

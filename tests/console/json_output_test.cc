@@ -2,6 +2,7 @@
 
 #include "tests/console/console_sandbox.h"
 #include "tests/console/json_objects.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 namespace {
@@ -68,7 +69,7 @@ TEST_F(JsonOutput, FindingsOfTheDoctorAreObjects) {
   const Json expected{{"type", "finding"},
                       {"state", "ok"},
                       {"subject", "module"},
-                      {"text", FORGEYARD_BIN_DIR "/Forgeyard.so"}};
+                      {"text", places::programs() + "/Forgeyard.so"}};
   EXPECT_THAT(findings, testing::Contains(expected));
 }
 

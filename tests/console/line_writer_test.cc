@@ -12,7 +12,7 @@
 #include "platform/text/bstring.h"
 #include "platform/threads/event.h"
 #include "platform/threads/pipe.h"
-#include "tests/platform_base/temporary_directory.h"
+#include "tests/platform/support/temporary_directory.h"
 
 namespace forgeyard::console {
 namespace {

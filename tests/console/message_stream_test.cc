@@ -34,7 +34,7 @@ TEST(MessageReader, FindsMessagesHoweverTheyAreCut) {
 }
 
 TEST(MessageReader, LeavesOutWhatIsTooLargeAndGoesOn) {
-  const std::size_t large = MessageReader::LARGEST + 1;
+  const std::size_t large = MessageReader::kLargest + 1;
   std::string stream = "Content-Length: " + std::to_string(large) + "\r\n\r\n";
   stream.append(large, 'x');
   stream += framed("next");

@@ -7,7 +7,8 @@
 #include "hosts/console/project/open_project.h"
 #include "platform/files/host_location.h"
 #include "platform/storage/structured_storage.h"
-#include "tests/platform_base/temporary_directory.h"
+#include "tests/platform/support/temporary_directory.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::console {
 
@@ -15,7 +16,7 @@ std::vector<std::filesystem::path> referenceProjects() {
   const char* given = std::getenv("FORGEYARD_GOLDEN");
   std::vector<std::filesystem::path> files;
   for (const auto& entry : std::filesystem::directory_iterator(
-           std::filesystem::path(given ? given : FORGEYARD_GOLDEN_DEFAULT) / "projects")) {
+           std::filesystem::path(given ? given : places::golden()) / "projects")) {
     if (entry.path().extension() == ".nqp") files.push_back(entry.path());
   }
   EXPECT_FALSE(files.empty());

@@ -8,7 +8,7 @@
 
 #include "hosts/console/services/output_window.h"
 #include "platform/files/descriptor.h"
-#include "tests/platform_base/temporary_directory.h"
+#include "tests/platform/support/temporary_directory.h"
 
 namespace forgeyard::console {
 namespace {

@@ -171,14 +171,14 @@ TEST_F(ServeCommand, BadMessagesAreAnswered) {
   EXPECT_EQ(batch[0]["error"]["code"], -32600);
   EXPECT_EQ(batch[1]["result"], "/a");
 
-  const std::size_t huge = MessageReader::LARGEST + 1;
+  const std::size_t huge = MessageReader::kLargest + 1;
   client.write("Content-Length: " + std::to_string(huge) + "\r\n\r\n");
   const std::string block(1 << 20, 'x');
   for (std::size_t left = huge; left > 0; left -= std::min(left, block.size()))
     ASSERT_TRUE(client.write(std::string_view(block).substr(0, std::min(left, block.size()))));
   ASSERT_TRUE(client.waitForMessages(++answers));
   EXPECT_EQ(client.messages().back()["error"]["code"], -32600);
-  EXPECT_EQ(client.must("initialize")["largestMessage"], MessageReader::LARGEST);
+  EXPECT_EQ(client.must("initialize")["largestMessage"], MessageReader::kLargest);
 
   client.write("no header\r\n\r\n");
   EXPECT_EQ(client.program().finish().exitCode, 2);

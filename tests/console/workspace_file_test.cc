@@ -5,8 +5,8 @@
 
 #include "hosts/console/base/failure.h"
 #include "platform/com/object.h"
-#include "platform/storage/records.h"
-#include "tests/platform_base/temporary_directory.h"
+#include "platform/storage/records/records.h"
+#include "tests/platform/support/temporary_directory.h"
 
 namespace forgeyard::console {
 namespace {

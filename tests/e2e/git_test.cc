@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "tests/e2e/sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::e2e {
 namespace {
@@ -19,7 +20,7 @@ class Git : public Sandbox {
     git({"config", "user.email", "somebody@example.com"});
     // The page's own lines, for this clone, with the program of this build.
     const std::string program = start({}).command.front();
-    const std::string page = contentOf(FORGEYARD_DOCS "/git.md");
+    const std::string page = contentOf(places::docs() + "/git.md");
     std::istringstream lines(page);
     std::string script = "forgeyard() { \"" + program + "\" \"$@\"; }\n";
     for (std::string line; std::getline(lines, line);) {

@@ -1,6 +1,7 @@
 // A program without an operating system, of C and assembler sources and a linker script: samples/rom, with
 // real tools.
 #include "tests/e2e/sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::e2e {
 namespace {
@@ -16,7 +17,7 @@ class RomProgram : public Sandbox {
 
   // The sample and its project in the directory of the sandbox.
   void makeProject() const {
-    fs::copy(FORGEYARD_SAMPLES "/rom", directory(), fs::copy_options::recursive);
+    fs::copy(places::samples() + "/rom", directory(), fs::copy_options::recursive);
     Start making = start({});
     making.environment.push_back("FORGEYARD=" + making.command.front());
     making.command = {path("make-project.sh")};

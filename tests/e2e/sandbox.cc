@@ -9,6 +9,8 @@
 #include <filesystem>
 #include <regex>
 
+#include "tests/support/places.h"
+
 namespace forgeyard::e2e {
 
 namespace fs = std::filesystem;
@@ -30,7 +32,7 @@ bool hasOpen(pid_t process, std::string_view name) {
   return false;
 }
 
-Sandbox::Sandbox() : programs_(FORGEYARD_BIN_DIR) {
+Sandbox::Sandbox() : programs_(places::programs()) {
   setDirectory("project");
   fs::create_directory(home_ / "runtime");
   fs::permissions(home_ / "runtime", fs::perms::owner_all);
@@ -129,7 +131,7 @@ void Sandbox::makeToolProject(const Lines& sources, const std::string& command) 
 }
 
 std::string Sandbox::scriptedTool() {
-  return SCRIPTED_TOOL;
+  return places::scriptedTool();
 }
 
 void Sandbox::waitForFile(std::string_view name) const {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "tests/e2e/running_program.h"
-#include "tests/platform_base/temporary_directory.h"
+#include "tests/platform/support/temporary_directory.h"
 
 namespace forgeyard::e2e {
 

@@ -1,5 +1,6 @@
 // Tools that fail, and tools that misbehave.
 #include "tests/e2e/sandbox.h"
+#include "tests/support/places.h"
 
 namespace forgeyard::e2e {
 namespace {
@@ -55,7 +56,7 @@ TEST_F(Sandbox, MissingSpawnerIsToldForTheFirstFileAndEndsTheComponent) {
   // An installation that lacks it, and a registry that is made by that one.
   const std::string copy = path("installation/bin");
   std::filesystem::create_directories(path("installation"));
-  std::filesystem::copy(FORGEYARD_BIN_DIR, copy);
+  std::filesystem::copy(places::programs(), copy);
   std::filesystem::remove(copy + "/TideSpawn.exe");
   std::filesystem::remove(start({}).environment[1].substr(std::string("FORGEYARD_REGISTRY=").size()));
   setPrograms(copy);

@@ -4,10 +4,12 @@
 
 #include <stdexcept>
 
+#include "tests/support/places.h"
+
 namespace forgeyard::test {
 
 std::string modulePath() {
-  return std::string(FORGEYARD_BIN_DIR) + "/Forgeyard.so";
+  return places::programs() + "/Forgeyard.so";
 }
 
 LoadedModule::LoadedModule(const std::string& path) : library_(dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "platform/com/class_table.h"
-#include "tests/platform_os/scratch.h"
+#include "tests/platform/support/scratch.h"
 
 namespace forgeyard::test {
 

@@ -9,6 +9,7 @@
 #include "platform/com/enumerators.h"
 #include "tests/plugin/class_list.h"
 #include "tests/plugin/loaded_module.h"
+#include "tests/support/places.h"
 #include "typelib/classes.h"
 
 namespace forgeyard::test {
@@ -124,7 +125,7 @@ TEST_F(SelfDocumentingClasses, NameTheClassesBelowThem) {
 // A copy of the module with the diagnostics module beside it.
 TEST_F(SelfDocumentingClasses, RegisterWithTheDiagnosticsModule) {
   std::filesystem::copy_file(modulePath(), scratch_ / "Forgeyard.so");
-  std::filesystem::copy_file(WATCHPOST, scratch_ / "Watchpost.so");
+  std::filesystem::copy_file(places::watchpost(), scratch_ / "Watchpost.so");
   const LoadedModule watched(scratch_ / "Forgeyard.so");
   const std::map<std::string, bool> carriers{{"BuildTool", true},     {"Project", true}, {"Folder", true},
                                              {"Configuration", true}, {"CmdLine", true}, {"Cc", true},

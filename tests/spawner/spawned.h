@@ -11,11 +11,12 @@
 #include "platform/threads/event.h"
 #include "platform/threads/pipe.h"
 #include "platform/threads/process.h"
-#include "tests/platform_os/scratch.h"
+#include "tests/platform/support/scratch.h"
+#include "tests/support/places.h"
 
 namespace forgeyard {
 
-inline const std::string SPAWNER = FORGEYARD_BIN_DIR "/TideSpawn.exe";
+inline const std::string SPAWNER = places::programs() + "/TideSpawn.exe";
 
 inline ProcessOptions optionsFor(const std::vector<std::string>& arguments) {
   ProcessOptions options;

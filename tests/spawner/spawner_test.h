@@ -5,6 +5,7 @@
 #include <string>
 
 #include "tests/spawner/spawned.h"
+#include "tests/support/places.h"
 
 namespace forgeyard {
 
@@ -14,7 +15,7 @@ class SpawnerTest : public RuntimeTest {
   void setRegistry(const std::string& text) { writeFile(scratch_ / "registry", text); }
 
   ScopedVariable registry_{"FORGEYARD_REGISTRY", scratch_ / "registry"};
-  ScopedVariable path_{"PATH", SPAWNER_TOOLS ":/usr/bin:/bin"};
+  ScopedVariable path_{"PATH", places::spawnerTools() + ":/usr/bin:/bin"};
 };
 
 // The same for all ways through the spawner: a command in an argument, plain or with quotes, is started

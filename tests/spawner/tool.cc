@@ -168,8 +168,8 @@ int state(const Arguments&) {
   say("input " + std::filesystem::read_symlink("/proc/self/fd/0").string());
   say(::getpgrp() == ::getpid() ? "own group" : "shared group");
   // The C library keeps 32 and 33 for itself, and ignores them in what it starts.
-  constexpr unsigned long OWN = 3UL << 31;
-  for (const auto& [name, signals] : signalSets()) say(name + " " + std::to_string(signals & ~OWN));
+  constexpr unsigned long kOwn = 3UL << 31;
+  for (const auto& [name, signals] : signalSets()) say(name + " " + std::to_string(signals & ~kOwn));
   for (int fd = 3; fd < 256; ++fd) {
     if (::fcntl(fd, F_GETFD) >= 0) say("descriptor " + std::to_string(fd));
   }

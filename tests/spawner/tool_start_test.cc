@@ -7,6 +7,7 @@
 
 #include "platform/threads/named_event.h"
 #include "tests/spawner/spawner_test.h"
+#include "tests/support/places.h"
 
 namespace forgeyard {
 namespace {
@@ -44,7 +45,7 @@ TEST_P(ToolStartTest, TellsWhatItCouldNotStartAndWhy) {
     std::string why;
     int exitCode;
   } cases[] = {
-      {"no-such-tool", "not found in " FORGEYARD_BIN_DIR " or on PATH", 127},
+      {"no-such-tool", "not found in " + places::programs() + " or on PATH", 127},
       {scratch_ / "missing", "No such file or directory", 127},
       {plain, "Permission denied", 126},
       {scratch_.path(), "it is a directory", 126},
@@ -60,7 +61,7 @@ TEST_P(ToolStartTest, TellsWhatItCouldNotStartAndWhy) {
 TEST_P(ToolStartTest, PassesOverFilesOnThePathThatAreNoPrograms) {
   const std::string file = scratch_ / "tool";
   writeFile(file, "no program");
-  const ScopedVariable path("PATH", scratch_.path() + ":" + SPAWNER_TOOLS);
+  const ScopedVariable path("PATH", scratch_.path() + ":" + places::spawnerTools());
   EXPECT_EQ(spawn(tool("exit 3")).exitCode, 3);
   const ScopedVariable only("PATH", scratch_.path());
   EXPECT_EQ(spawn(tool("exit 3")),
@@ -132,8 +133,7 @@ TEST_P(ToolStartTest, PrefersToolsInItsOwnDirectory) {
 
 TEST_F(SpawnerTest, CutsTheCommandLikeTheReference) {
   const char* const golden = std::getenv("FORGEYARD_GOLDEN");
-  std::ifstream rows(std::string(golden ? golden : FORGEYARD_GOLDEN_DEFAULT) +
-                     "/paths/CommandLineToArgvW.tsv");
+  std::ifstream rows(std::string(golden ? golden : places::golden()) + "/paths/CommandLineToArgvW.tsv");
   setRegistry("[HKEY_CURRENT_USER\\Software\\Korvel\\Build Tool\\Native Paths]\ntool=\n");
   int checked = 0;
   for (std::string row; std::getline(rows, row);) {
@@ -170,7 +170,7 @@ TEST_F(SpawnerTest, TakesACommandOfAnyLength) {
 
 TEST_F(SpawnerTest, GivesGnuToolsAResponseFileForWhatTheSystemDoesNotTake) {
   const std::string program = scratch_ / "mipsel-elf-gcc-12.2";
-  std::filesystem::create_symlink(SPAWNER_TOOLS "/tool", program);
+  std::filesystem::create_symlink(places::spawnerTools() + "/tool", program);
   const std::string longName = "\"two  blanks\\\" \\'" + std::string(99, 'a') + "\"";
   const Result result = spawn(optionsForInput(program + " " + manyArguments(40'000, longName)));
   EXPECT_EQ(result.exitCode, 0) << result.output.substr(0, 300);
@@ -225,7 +225,7 @@ TEST_F(SpawnerTest, LeavesTheArgumentsOfToolsWithNativePaths) {
 }
 
 TEST_F(SpawnerTest, TakesTheProgramsPathInTheModelsSpelling) {
-  std::string program = SPAWNER_TOOLS "/tool";
+  std::string program = places::spawnerTools() + "/tool";
   std::replace(program.begin(), program.end(), '/', '\\');
   EXPECT_EQ(spawn(program + " exit 6").exitCode, 6);
   EXPECT_EQ(spawn("\"Z:" + program + "\" exit 6").exitCode, 6);

@@ -5,6 +5,7 @@
 
 #include "platform/threads/named_event.h"
 #include "tests/spawner/spawner_test.h"
+#include "tests/support/places.h"
 
 // Every test reads the output to its end: that comes only when the last process that could write to it has
 // ended.
@@ -69,7 +70,7 @@ TEST_P(ToolStopTest, SeesTheToolEndAmongOthersThatEnd) {
 }
 
 TEST_P(ToolStopTest, EndsEverythingWhenTheHostIsKilled) {
-  Spawned host({SPAWNER_TOOLS "/tool", "host", SPAWNER, command("hang-with-daemon")});
+  Spawned host({places::spawnerTools() + "/tool", "host", SPAWNER, command("hang-with-daemon")});
   ASSERT_EQ(host.line(), "ready");
   host.process().kill(SIGKILL);
   EXPECT_EQ(host.output(), "");

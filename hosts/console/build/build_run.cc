@@ -11,7 +11,7 @@
 #include "hosts/console/project/components.h"
 #include "hosts/console/project/configurations.h"
 #include "platform/com/connection_point.h"
-#include "platform/storage/persist.h"
+#include "platform/storage/records/persist.h"
 
 namespace forgeyard::console {
 

@@ -83,8 +83,8 @@ void TextView::ended(const BuildOutcome& outcome) {
   const Findings& findings = outcome.findings;
   if (findings.empty()) return;
   const std::size_t warnings = findings.warnings().size();
-  for (std::size_t i = 0; i < std::min(warnings, WARNINGS_SHOWN); ++i) showFinding(findings.warnings()[i]);
-  if (warnings > WARNINGS_SHOWN) out_.line(counted(warnings - WARNINGS_SHOWN, "more warning") + ".");
+  for (std::size_t i = 0; i < std::min(warnings, kWarningsShown); ++i) showFinding(findings.warnings()[i]);
+  if (warnings > kWarningsShown) out_.line(counted(warnings - kWarningsShown, "more warning") + ".");
   for (const Finding& finding : findings.errors()) showFinding(finding);
   std::string total;
   if (!findings.errors().empty()) total = counted(findings.errors().size(), "error");

@@ -16,7 +16,7 @@ class Session;
 class TextView final : public BuildView {
  public:
   // Warnings beyond that are counted alone.
-  static constexpr std::size_t WARNINGS_SHOWN = 20;
+  static constexpr std::size_t kWarningsShown = 20;
 
   // Borrows the session.
   explicit TextView(Session& session);

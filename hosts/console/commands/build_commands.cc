@@ -72,7 +72,7 @@ ExitCode compile(const Invocation& invocation) {
 
 ExitCode stop(const Invocation& invocation) {
   LineWriter& out = standardOutput();
-  if (const auto event = NamedEvent::open(STOP_EVENT)) {
+  if (const auto event = NamedEvent::open(kStopEvent)) {
     event->set();
   } else if (!invocation.options().quiet) {
     out.line(std::string_view("No build of yours is running."));

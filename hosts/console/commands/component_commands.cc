@@ -20,11 +20,11 @@ using Kind = Parameter::Kind;
 const ComponentKind& toolKind(const std::string& name) {
   std::vector<std::string> names;
   for (const ComponentKind& kind : componentKinds()) {
-    if (kind.name == FOLDER_KIND) continue;
+    if (kind.name == kFolderKind) continue;
     if (kind.name == name) return kind;
     names.emplace_back(kind.name);
   }
-  if (name == FOLDER_KIND) throw Failure("A folder is made with: forgeyard folder add NAME");
+  if (name == kFolderKind) throw Failure("A folder is made with: forgeyard folder add NAME");
   throw Failure("There is no kind of component " + name + "." + suggestion(name, names, "kinds"));
 }
 

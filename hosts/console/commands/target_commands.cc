@@ -94,7 +94,7 @@ ExitCode addTarget(const Invocation& invocation) {
   }
   change([&](Registry& registry) {
     enterTarget(registry, target);
-    if (!linker.empty()) registry.setValue(registry_keys::BUILD_TOOL, registry_keys::LINKER, linker);
+    if (!linker.empty()) registry.setValue(registry_keys::kBuildTool, registry_keys::kLinker, linker);
   });
   return ExitCode::Success;
 }
@@ -127,7 +127,7 @@ ExitCode detect(const Invocation&) {
     }
     if (linker.empty()) return;
     const bool known = !registeredLinker(registry).empty();
-    if (!known) registry.setValue(registry_keys::BUILD_TOOL, registry_keys::LINKER, linker);
+    if (!known) registry.setValue(registry_keys::kBuildTool, registry_keys::kLinker, linker);
     out.line(told("linker of all targets", known, linker));
   });
   if (found.empty())

@@ -104,7 +104,7 @@ void checkUnreadable(const RegistryError& error, CheckResults& results) {
 }
 
 void checkDrives(const Registry& registry, CheckResults& results) {
-  const auto drives = registry.open(DRIVES);
+  const auto drives = registry.open(kDrives);
   if (!drives) return;
   for (const std::string& name : drives->valueNames()) {
     const std::string directory = drives->value(name).value_or("");

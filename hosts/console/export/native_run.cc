@@ -162,7 +162,7 @@ class NativeRuns::Reader {
                                            : programDirectory() + "/" + own);
     const bool asTheyStand =
         !own.empty() || registry_.get()
-                            .value(registry_keys::NATIVE_PATHS, std::string(fileName(step.arguments[0])))
+                            .value(registry_keys::kNativePaths, std::string(fileName(step.arguments[0])))
                             .has_value();
     for (const std::string& argument : command.arguments)
       step.arguments.push_back(asTheyStand ? argument : spelling_.argument(argument));

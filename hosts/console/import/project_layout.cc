@@ -23,7 +23,7 @@ struct ObjectDirectory {
   std::size_t length = 0;  // of the list of its objects
 
   bool hasRoomFor(const SourceUnit& unit, std::size_t unitLength) const {
-    return (length == 0 || length + unitLength <= LONGEST_OBJECT_LIST) &&
+    return (length == 0 || length + unitLength <= kLongestObjectList) &&
            std::none_of(unit.objects.begin(), unit.objects.end(),
                         [&](const std::string& object) { return objects.contains(object); });
   }
@@ -48,7 +48,7 @@ class Layout {
   // A tool of the plan with what its programs need to know.
   struct MadeTool {
     std::size_t tool = 0;
-    int program = COMMON_PROGRAM;
+    int program = kCommonProgram;
     std::size_t directory = 0;
     bool cxx = false;
   };
@@ -102,7 +102,7 @@ class Layout {
     const CompileGroup& group = parts_.groups[unit.group];
     std::string name = unit.assembled ? "assemble" : "compile";
     if (!group.label.empty()) name += " " + group.label;
-    if (unit.program != COMMON_PROGRAM &&
+    if (unit.program != kCommonProgram &&
         group.label != divided_.programs[static_cast<std::size_t>(unit.program)])
       name += " " + divided_.programs[static_cast<std::size_t>(unit.program)];
     PlannedTool tool{unit.assembled ? "asm" : "cc", names_.unlikeOthers(name), {}, {}};
@@ -120,10 +120,10 @@ class Layout {
   std::string addFolder(const SourceUnit& unit) {
     std::string wanted = shownLabel(unit.label);
     if (unit.assembled && parts_.folders == FolderMode::ByDirectory) wanted += " assembler";
-    if (unit.program != COMMON_PROGRAM)
+    if (unit.program != kCommonProgram)
       wanted += " " + divided_.programs[static_cast<std::size_t>(unit.program)];
     PlannedFolder folder{names_.unlikeOthers(wanted), "", unit.files};
-    if (!unit.assembled && unit.program == COMMON_PROGRAM)
+    if (!unit.assembled && unit.program == kCommonProgram)
       folderOf_.emplace(unit.label, plan_.folders.size());
     plan_.folders.push_back(std::move(folder));
     setFilter(plan_.folders.back());
@@ -196,7 +196,7 @@ class Layout {
     if (made_.empty()) return;
     if (!parts_.link.script.empty()) return addLinkerComponent();
     if (parts_.mains.empty()) return addLibrary();
-    if (parts_.mains.size() == 1) return addProgram("link", parts_.name, COMMON_PROGRAM);
+    if (parts_.mains.size() == 1) return addProgram("link", parts_.name, kCommonProgram);
     if (divided_.programs.size() > kMostPrograms) {
       return notes_.add("So many sources have a function main that no link step is made (" +
                         std::to_string(divided_.programs.size()) + "); say which one counts: --main FILE");
@@ -209,7 +209,7 @@ class Layout {
   bool feed(PlannedTool& tool, int program) const {
     bool cxx = false;
     for (const MadeTool& made : made_) {
-      if (made.program != COMMON_PROGRAM && made.program != program) continue;
+      if (made.program != kCommonProgram && made.program != program) continue;
       tool.inputs.push_back(tools_[made.tool].name);
       cxx = cxx || made.cxx;
     }
@@ -244,7 +244,7 @@ class Layout {
     PlannedTool tool =
         runOnce(names_.unlikeOthers("archive"), divided_.joined ? ".o" : ".obj", output, "$(COutDir)",
                 parts_.link.archiver + " rcs \"$(OutDir)" + output + "\" \"$(FileFullPathList)\"");
-    feed(tool, COMMON_PROGRAM);
+    feed(tool, kCommonProgram);
     tools_.push_back(std::move(tool));
   }
 
@@ -259,7 +259,7 @@ class Layout {
                      names_.unlikeOthers("link"),
                      {{"Input", extension + ";.obj"}, {"LibraryPath", libraries}},
                      {folder.name}};
-    feed(tool, COMMON_PROGRAM);
+    feed(tool, kCommonProgram);
     plan_.folders.push_back(std::move(folder));
     tools_.push_back(std::move(tool));
   }

@@ -78,7 +78,7 @@ class UnitMaker {
   void splitLongUnits() {
     std::size_t all = 0;
     for (const SourceUnit& unit : made_.units) all += objectListLength(parts_, unit);
-    made_.joined = all > LONGEST_OBJECT_LIST;
+    made_.joined = all > kLongestObjectList;
     if (!made_.joined) return;
     std::vector<SourceUnit> pieces;
     for (SourceUnit& unit : made_.units) {
@@ -88,7 +88,7 @@ class UnitMaker {
       const SourceUnit empty = piece;
       std::size_t length = 0;
       for (const std::string& file : unit.files) {
-        if (length + objectLength(parts_, file) > LONGEST_OBJECT_LIST) {
+        if (length + objectLength(parts_, file) > kLongestObjectList) {
           pieces.push_back(std::exchange(piece, empty));
           length = 0;
         }

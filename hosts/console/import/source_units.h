@@ -12,7 +12,7 @@ namespace forgeyard::console {
 
 // The spawner gets a command as one argument, of which the system takes 131,071 bytes. So long a list of
 // objects leaves room for the rest.
-inline constexpr std::size_t LONGEST_OBJECT_LIST = 100000;
+inline constexpr std::size_t kLongestObjectList = 100000;
 
 // Names that are given once.
 class NamePool {
@@ -28,14 +28,14 @@ class NamePool {
 };
 
 // Of what belongs to all programs.
-inline constexpr int COMMON_PROGRAM = -1;
+inline constexpr int kCommonProgram = -1;
 
 // Files that go together into one folder and one tool.
 struct SourceUnit {
   std::string label;  // the directory, empty for the root; or the kind
   std::size_t group = 0;
   bool assembled = false;
-  int program = COMMON_PROGRAM;  // or its place among the programs
+  int program = kCommonProgram;  // or its place among the programs
   std::vector<std::string> files;
   std::set<std::string> objects;  // their stems as the look-up of files compares them
 

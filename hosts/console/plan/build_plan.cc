@@ -116,7 +116,7 @@ void tellProblems(const ProjectPlan& plan) {
 ProjectPlan planOf(OpenProject& project, e_task task) {
   project.requireSettings();
   std::vector<Component> tools = componentsOf(project.project());
-  std::erase_if(tools, [](const Component& component) { return component.kindName() == FOLDER_KIND; });
+  std::erase_if(tools, [](const Component& component) { return component.kindName() == kFolderKind; });
   ProjectPlan result;
   for (PlannedComponent& planned : ask(project, task)) {
     const auto tool = std::find_if(tools.begin(), tools.end(), [&](const Component& component) {

@@ -51,8 +51,8 @@ void writeRun(LineWriter& out, const Component& component, const PlannedRun& run
   if (!stale.output.isNull()) members["output"] = paths.toUser(stale.output);
   if (!stale.cause.isNull()) members["cause"] = paths.toUser(stale.cause);
   if (stale.why == Staleness::Why::DependencyNewer) {
-    if (stale.outputTime < TIME_TO_COME) members["output_time_ns"] = stale.outputTime;
-    if (stale.causeTime < TIME_TO_COME) members["cause_time_ns"] = stale.causeTime;
+    if (stale.outputTime < kTimeToCome) members["output_time_ns"] = stale.outputTime;
+    if (stale.causeTime < kTimeToCome) members["cause_time_ns"] = stale.causeTime;
   }
   writeObject(out, "planned_run", members);
 }

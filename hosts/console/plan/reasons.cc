@@ -42,7 +42,7 @@ std::string missingDependency(const PlannedRun& run, const ProjectPaths& paths) 
 std::string newerDependency(const PlannedRun& run, const ProjectPaths& paths) {
   const Staleness& stale = run.staleness;
   const std::string output = (stale.marker ? "the marker " : "") + paths.toUser(stale.output);
-  if (stale.causeTime < TIME_TO_COME)
+  if (stale.causeTime < kTimeToCome)
     return newer(paths.toUser(stale.cause), stale.causeTime, output, stale.outputTime);
   return paths.toUser(stale.cause) + " will be newer than " + output + ": the same build makes it";
 }

@@ -43,7 +43,7 @@ void table(LineWriter& out, const std::vector<std::array<std::string, 3>>& rows)
 void showComponents(OpenProject& project, const ProjectPlan& plan) {
   std::vector<std::array<std::string, 3>> rows;
   for (const FolderContents& folder : foldersOf(project.project()))
-    rows.push_back({std::string(FOLDER_KIND), folder.folder.name, feedOf(folder)});
+    rows.push_back({std::string(kFolderKind), folder.folder.name, feedOf(folder)});
   for (const ComponentPlan& entry : plan.components) {
     const std::string files = counted(entry.plan.inputs.size(), "input") + ", " +
                               counted(entry.plan.outputs.size(), "output") + ", ";

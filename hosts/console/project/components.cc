@@ -7,7 +7,7 @@
 #include "hosts/console/base/failure.h"
 #include "hosts/console/base/nearest.h"
 #include "hosts/console/project/collections.h"
-#include "platform/storage/persist.h"
+#include "platform/storage/records/persist.h"
 #include "typelib/classes.h"
 #include "typelib/settings.h"
 
@@ -99,7 +99,7 @@ Component findComponent(IProject& project, const std::string& name) {
 
 Component findFolder(IProject& project, const std::string& name) {
   std::vector<Component> folders = componentsOf(project);
-  std::erase_if(folders, [](const Component& component) { return component.kindName() != FOLDER_KIND; });
+  std::erase_if(folders, [](const Component& component) { return component.kindName() != kFolderKind; });
   return onlyOne(folders, name, "folder");
 }
 

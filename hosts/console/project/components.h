@@ -22,7 +22,7 @@ struct ComponentKind {
 std::span<const ComponentKind> componentKinds();
 // Null for a class that the command line doesn't know.
 const ComponentKind* kindOf(const Guid& clsid);
-inline constexpr std::string_view FOLDER_KIND = "folder";
+inline constexpr std::string_view kFolderKind = "folder";
 
 struct Component {
   Ref<IComponent> object;

@@ -71,7 +71,7 @@ void OpenProject::requireSettings() const {
   const Ref<IConfiguration> at = configuration();
   for (const Component& component : componentsOf(*project_)) {
     Ref<IUnknown> settings;
-    if (component.kindName() == FOLDER_KIND || succeeded(component.object->get_Setting(at.get(), &settings)))
+    if (component.kindName() == kFolderKind || succeeded(component.object->get_Setting(at.get(), &settings)))
       continue;
     throw Failure(component.name + " has no settings in configuration " + nameOf(*at) + ": " + file_.host +
                   " is damaged. Make the component anew, or take the file from a backup.");

@@ -72,7 +72,7 @@ bool MessageReader::takeHeader() {
   expected_ = lengthIn(std::string_view(buffer_).substr(0, end));
   broken_ = !expected_;
   buffer_.erase(0, end + length);
-  if (broken_ || *expected_ <= LARGEST) return !broken_;
+  if (broken_ || *expected_ <= kLargest) return !broken_;
   visitor_.tooLarge(*expected_);
   skip_ = *expected_ - std::min(*expected_, buffer_.size());
   buffer_.erase(0, *expected_ - skip_);

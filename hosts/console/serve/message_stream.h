@@ -17,7 +17,7 @@ std::string framed(std::string_view message);
 // Takes a stream apart. One thread.
 class MessageReader {
  public:
-  static constexpr std::size_t LARGEST = std::size_t{16} << 20;
+  static constexpr std::size_t kLargest = std::size_t{16} << 20;
 
   struct Visitor {
     std::function<void(std::string message)> message;

@@ -55,7 +55,7 @@ Server::Json Server::initialize(const Json&) {
   for (const BString& name : session_.host().commands().names()) commands.push_back(name.narrow());
   return {{"name", "forgeyard"},
           {"version", FORGEYARD_VERSION},
-          {"largestMessage", MessageReader::LARGEST},
+          {"largestMessage", MessageReader::kLargest},
           {"BuildTool", handles_.toJson(Variant(Ref<IDispatch>(&session_.tool())))},
           {"commands", std::move(commands)}};
 }

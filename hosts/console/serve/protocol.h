@@ -7,12 +7,12 @@
 namespace forgeyard::console {
 
 // Codes of errors: those of JSON-RPC 2.0, then the server's own.
-inline constexpr int PARSE_ERROR = -32700;
-inline constexpr int INVALID_REQUEST = -32600;
-inline constexpr int METHOD_NOT_FOUND = -32601;
-inline constexpr int INVALID_PARAMETERS = -32602;
-inline constexpr int MEMBER_FAILED = -32000;   // with the status and the member's name
-inline constexpr int REQUEST_FAILED = -32001;  // anything else
+inline constexpr int kParseError = -32700;
+inline constexpr int kInvalidRequest = -32600;
+inline constexpr int kMethodNotFound = -32601;
+inline constexpr int kInvalidParameters = -32602;
+inline constexpr int kMemberFailed = -32000;   // with the status and the member's name
+inline constexpr int kRequestFailed = -32001;  // anything else
 
 // What is wrong with a request as such; empty when nothing is.
 std::string faultOf(const ObjectHandles::Json& request);

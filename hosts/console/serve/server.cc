@@ -51,9 +51,9 @@ Server::Server(Session& session)
                },
                [this](std::size_t bytes) {
                  waiting_.push_back([this, bytes] {
-                   send(failure(nullptr, INVALID_REQUEST,
+                   send(failure(nullptr, kInvalidRequest,
                                 "The message has " + std::to_string(bytes) + " bytes; at most " +
-                                    std::to_string(MessageReader::LARGEST) + " are taken."),
+                                    std::to_string(MessageReader::kLargest) + " are taken."),
                         true);
                  });
                }}),
@@ -102,7 +102,7 @@ void Server::readInput() {
     waiting_.emplace_back([this] { close(ExitCode::Success); });
   } else if (!reader_.feed(std::string_view(bytes.data(), static_cast<std::size_t>(got)))) {
     waiting_.emplace_back([this] {
-      send(failure(nullptr, PARSE_ERROR, "A message begins with a line Content-Length: NUMBER."), true);
+      send(failure(nullptr, kParseError, "A message begins with a line Content-Length: NUMBER."), true);
       close(ExitCode::Failure);
     });
   }
@@ -162,14 +162,14 @@ void Server::handle(const std::string& message) {
   try {
     request = Json::parse(message);
   } catch (const Json::exception& error) {
-    return send(failure(nullptr, PARSE_ERROR, "The message is no JSON: " + reason(error)), true);
+    return send(failure(nullptr, kParseError, "The message is no JSON: " + reason(error)), true);
   }
   if (request.is_array()) return handleBatch(request);
   handleRequest(request, [this](const Json& response) { send(response, true); });
 }
 
 void Server::handleBatch(const Json& requests) {
-  if (requests.empty()) return send(failure(nullptr, INVALID_REQUEST, "The batch is empty."), true);
+  if (requests.empty()) return send(failure(nullptr, kInvalidRequest, "The batch is empty."), true);
   struct Batch {
     Json responses = Json::array();
     std::size_t open = 0;
@@ -192,7 +192,7 @@ void Server::handleBatch(const Json& requests) {
 
 void Server::handleRequest(const Json& request, const Reply& reply) {
   const std::string fault = faultOf(request);
-  if (!fault.empty()) return reply(failure(idOf(request), INVALID_REQUEST, fault));
+  if (!fault.empty()) return reply(failure(idOf(request), kInvalidRequest, fault));
   const Reply answerTo = expectsAnswer(request) ? reply : Reply([](const Json&) {});
   const std::string& name = request["method"].get_ref<const std::string&>();
   if (Json response = answer(request, name, answerTo); !response.is_null()) answerTo(std::move(response));
@@ -214,18 +214,18 @@ Server::Json Server::answer(const Json& request, const std::string& name, const 
       if (name == method.name)
         return {{"jsonrpc", "2.0"}, {"id", id}, {"result", (this->*method.answer)(parameters)}};
     }
-    return failure(id, METHOD_NOT_FOUND, "There is no method " + name + ".");
+    return failure(id, kMethodNotFound, "There is no method " + name + ".");
   } catch (const MemberError& error) {
     return failure(
-        id, MEMBER_FAILED, error.what(),
+        id, kMemberFailed, error.what(),
         {{"status", static_cast<std::uint32_t>(code(error.status()))}, {"member", error.member()}});
   } catch (const InvalidParameters& error) {
-    return failure(id, INVALID_PARAMETERS, error.what());
+    return failure(id, kInvalidParameters, error.what());
   } catch (const StatusError& error) {
-    return failure(id, MEMBER_FAILED, describe(error.status()),
+    return failure(id, kMemberFailed, describe(error.status()),
                    {{"status", static_cast<std::uint32_t>(code(error.status()))}});
   } catch (const std::exception& error) {
-    return failure(id, REQUEST_FAILED, error.what());
+    return failure(id, kRequestFailed, error.what());
   }
 }
 

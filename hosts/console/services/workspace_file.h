@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/storage/persist.h"
+#include "platform/storage/records/persist.h"
 #include "platform/storage/structured_storage.h"
 
 namespace forgeyard::console {

@@ -46,16 +46,16 @@ bool hasHome(const Registry& registry) {
 }  // namespace
 
 void enterMissing(Registry& registry) {
-  if (!hasHome(registry)) registry.setValue(KORVEL, HOME, modelSpelling(installation()));
-  if (registry.open(TARGETS)) return;
-  registry.createKey(TARGETS);
+  if (!hasHome(registry)) registry.setValue(kKorvel, kHome, modelSpelling(installation()));
+  if (registry.open(kTargets)) return;
+  registry.createKey(kTargets);
   for (const Target& target : detectTargets()) enterTarget(registry, target);
   if (const std::string linker = detectLinker(); !linker.empty() && registeredLinker(registry).empty())
-    registry.setValue(BUILD_TOOL, LINKER, linker);
+    registry.setValue(kBuildTool, kLinker, linker);
 }
 
 std::string adapterDirectory(const Registry& registry) {
-  const auto home = registry.value(KORVEL, HOME);
+  const auto home = registry.value(kKorvel, kHome);
   if (!home || home->empty()) return "";
   const auto directory = hostPathsFrom(registry).toHost(*home);
   return directory ? *directory + "/bin" : "";
@@ -64,7 +64,7 @@ std::string adapterDirectory(const Registry& registry) {
 void prepareRegistry(Registry& registry, const Module& module) {
   const bool classes = classesAreServed(registry);
   const bool home = hasHome(registry);
-  const bool targets = registry.open(TARGETS).has_value();
+  const bool targets = registry.open(kTargets).has_value();
   if (classes && home && targets) return;
   const std::string file = Registry::defaultFile();
   if (file.empty())

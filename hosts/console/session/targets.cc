@@ -82,12 +82,12 @@ std::set<std::string> crossPrefixes() {
 
 std::vector<Target> registeredTargets(const Registry& registry) {
   std::vector<Target> targets;
-  const auto key = registry.open(TARGETS);
+  const auto key = registry.open(kTargets);
   if (!key) return targets;
   for (const std::string& name : key->valueNames()) {
     if (name.empty()) continue;
-    targets.push_back(
-        {name, registry.value(COMPILERS, name).value_or(""), registry.value(ASSEMBLERS, name).value_or("")});
+    targets.push_back({name, registry.value(kCompilers, name).value_or(""),
+                       registry.value(kAssemblers, name).value_or("")});
   }
   return targets;
 }
@@ -104,7 +104,7 @@ std::vector<Target> detectTargets() {
 }
 
 std::string registeredLinker(const Registry& registry) {
-  return registry.value(BUILD_TOOL, LINKER).value_or("");
+  return registry.value(kBuildTool, kLinker).value_or("");
 }
 
 std::string detectLinker() {
@@ -123,18 +123,18 @@ std::string linkerProgram(const std::string& linker) {
 }
 
 void enterTarget(Registry& registry, const Target& target) {
-  if (!registry.value(TARGETS, target.name)) registry.setValue(TARGETS, target.name, "");
+  if (!registry.value(kTargets, target.name)) registry.setValue(kTargets, target.name, "");
   // The keys must be there for a tool to say which target is missing in them.
-  registry.createKey(COMPILERS);
-  registry.createKey(ASSEMBLERS);
-  if (!target.compiler.empty()) registry.setValue(COMPILERS, target.name, target.compiler);
-  if (!target.assembler.empty()) registry.setValue(ASSEMBLERS, target.name, target.assembler);
+  registry.createKey(kCompilers);
+  registry.createKey(kAssemblers);
+  if (!target.compiler.empty()) registry.setValue(kCompilers, target.name, target.compiler);
+  if (!target.assembler.empty()) registry.setValue(kAssemblers, target.name, target.assembler);
 }
 
 bool removeTarget(Registry& registry, const std::string& name) {
-  const bool compiler = registry.removeValue(COMPILERS, name);
-  const bool assembler = registry.removeValue(ASSEMBLERS, name);
-  return registry.removeValue(TARGETS, name) || compiler || assembler;
+  const bool compiler = registry.removeValue(kCompilers, name);
+  const bool assembler = registry.removeValue(kAssemblers, name);
+  return registry.removeValue(kTargets, name) || compiler || assembler;
 }
 
 std::vector<ToolProgram> programsOf(const std::string& commandLine, const std::string& adapterDirectory) {

@@ -80,7 +80,7 @@ Candidates classes(const Registry& registry) {
 Candidates componentKindNames() {
   Candidates result;
   for (const ComponentKind& kind : componentKinds()) {
-    if (kind.name != FOLDER_KIND) result.push_back({kind.name, kind.help});
+    if (kind.name != kFolderKind) result.push_back({kind.name, kind.help});
   }
   return result;
 }
@@ -101,7 +101,7 @@ Candidates names(const TypedLine& line, Completes what) {
     case Completes::Component:
       return components(contents);
     case Completes::Folder:
-      return components(contents, FOLDER_KIND);
+      return components(contents, kFolderKind);
     case Completes::Configuration:
       return configurations(contents);
     case Completes::SourceFile:

@@ -12,7 +12,7 @@ constexpr std::string_view kBash = R"--(# Completion of forgeyard for bash.
 
 _forgeyard() {
   local program=${COMP_WORDS[0]}
-  [[ $program != "~/"* ]] || program=$HOME/${program:2}
+  [[ $program != "~/"* ]] || program=$kHome/${program:2}
   local -a answer
   mapfile -t answer < <("$program" complete bash "${COMP_LINE:0:COMP_POINT}" 2>/dev/null)
   COMPREPLY=()

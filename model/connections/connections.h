@@ -1,0 +1,52 @@
+#pragma once
+
+#include <vector>
+
+#include "model/connections/connection.h"
+
+namespace forgeyard {
+
+class CProject;
+
+// The connections of a project, in order of creation. Lives as long as its project and knows it until
+// detach(). Main thread only.
+class CConnections final : public ComObject<Dual<IConnections>, IPersistStream> {
+ public:
+  explicit CConnections(CProject& project) : project_(&project) {}
+
+  // IConnections
+  HRESULT get_Item(IComponent* lhs, Ref<IConnection>* out) override;
+  HRESULT get_Count(std::int32_t* value) override;
+  HRESULT get__NewEnum(Ref<IUnknown>* out) override;
+  HRESULT Delete(IConnection* connection) override;
+  HRESULT New(IComponent* rhs, IComponent* lhs, Ref<IConnection>* out) override;
+  HRESULT Close() override;
+
+  // IPersistStream
+  HRESULT GetClassID(Guid* out) override;
+  HRESULT IsDirty() override;
+  HRESULT Load(IStream* stream) override;
+  HRESULT Save(IStream* stream, bool clearDirty) override;
+
+  // The project goes.
+  void detach() { project_ = nullptr; }
+  // Whether the component is the source end of a connection.
+  bool feedsAnother(IComponent* component) const;
+  // Whether a circle of connections lies upstream of the component: only a file from elsewhere can bring one
+  // in.
+  bool fedByCircle(IComponent* component) const;
+  // Deletes every connection with the component at either end.
+  void deleteAllOf(IUnknown* component);
+
+ private:
+  WeakRef<IProject> weakProject() const;
+  bool reachedTwice(IComponent* from, IComponent* to) const;
+  bool stands(IComponent* from, IComponent* to) const;
+  void changed();
+
+  CProject* project_;
+  std::vector<Ref<CConnection>> list_;
+  bool changed_ = false;
+};
+
+}  // namespace forgeyard

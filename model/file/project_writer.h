@@ -1,0 +1,23 @@
+#pragma once
+
+#include "model/project/project.h"
+
+namespace forgeyard {
+
+// Writes the streams of a project file's root. Nothing reaches the disk before the root is committed. Throws
+// StatusError. Lives for one save.
+class ProjectWriter {
+ public:
+  ProjectWriter(CProject& project, IStorage& root) : project_(project), root_(root) {}
+
+  void writeStreams();
+
+ private:
+  Ref<IStream> stream(const char16_t* name);
+  void writeConfigurations(IStream& stream);
+
+  CProject& project_;
+  IStorage& root_;
+};
+
+}  // namespace forgeyard
