@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/files/memory_files.h"
+#include "tests/support/memory_files.h"
 
 namespace forgeyard {
 namespace {
@@ -87,7 +87,8 @@ TEST(Directories, BecomeAbsoluteAndAreMade) {
 TEST(Directories, LongPathsAreKept) {
   MemoryFileSystem disk;
   const ScopedFileSystem scope(disk);
-  const std::u16string deep = std::u16string(u"\\") + std::u16string(400, u'd');
+  std::u16string deep = u"\\";
+  deep.append(400, u'd');
   EXPECT_EQ(absoluteDirectory(u"x", deep), deep + u"\\x\\");
 }
 

@@ -8,8 +8,8 @@
 #include <memory>
 
 #include "platform/files/host_files.h"
-#include "platform/files/memory_files.h"
 #include "tests/platform/support/scratch.h"
+#include "tests/support/memory_files.h"
 
 namespace forgeyard {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/files/memory_files.h"
+#include "tests/support/memory_files.h"
 
 namespace forgeyard {
 namespace {

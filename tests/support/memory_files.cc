@@ -1,4 +1,4 @@
-#include "platform/files/memory_files.h"
+#include "tests/support/memory_files.h"
 
 #include <algorithm>
 
