@@ -100,7 +100,7 @@ void CBuilderComponent::beginTask() {
   if (!builderTask_) throw StatusError(E_FAIL);
   check(builderTask_->get_CurrentTask(&task_));
   headerWritten_ = false;
-  markers_.clear();
+  inPlace_.clear();
 }
 
 void CBuilderComponent::setProjectMacros() {
@@ -335,21 +335,12 @@ void CBuilderComponent::cleanOutputs() {
   forgetFileTimes();
 }
 
-// Entries are resolved against the project's directory; what was resolved against another one is void.
-void CBuilderComponent::prepareTimes() {
-  const BString directory = workingDirectory();
-  if (times_.workingDirectory() != directory) times_ = DependencyTimes(directory);
-  if (needsBuildBefore()) return;  // whatever the times are
-  times_.prefetch(inputFiles_.list());
-  fileTimes().prefetch(outputFiles_.list());
-}
-
 // The look ahead leaves no trace: a marker is for the file at hand.
 std::size_t CBuilderComponent::countNeeded(std::span<const BString> names) {
-  const auto markers = markers_;
+  const auto inPlace = inPlace_;
   const auto needed =
       std::count_if(names.begin(), names.end(), [&](const BString& file) { return bool(NeedsBuild(file)); });
-  markers_ = markers;
+  inPlace_ = inPlace;
   return static_cast<std::size_t>(needed);
 }
 

@@ -12,6 +12,7 @@
 #include "engine/run/dependency_times.h"
 #include "engine/run/run_progress.h"
 #include "engine/run/tool_runner.h"
+#include "engine/staleness.h"
 #include "typelib/build_plan.h"
 #include "typelib/settings.h"
 
@@ -128,12 +129,9 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   void cleanOutputs();
   void gatherOutputsOfEachFile();
   void gatherOutputsOfOneRun();
-  Staleness needsBuildBefore();
-  Staleness isOutOfDate(const std::vector<BString>& inputs, const std::vector<BString>& outputs);
-  Staleness outputOutOfDate(const std::vector<BString>& inputs, const BString& output);
-  template <class Visit>
-  void forEachDependency(const BString& input, Visit&& visit);
-  BString markerFor(const std::vector<BString>& inputs, const BString& output);
+  class Question;
+  Staleness decide(const StalenessQuestion& question);
+  void rememberMarker(const InPlaceOutput& output);
   void refreshMarker(const BString& file);
   BString workingDirectory() const;
   void prepareTimes();
@@ -146,7 +144,7 @@ class CBuilderComponent : public CComponentBase, public IBuilderCreator {
   StringSet inputFiles_;
   StringSet outputFiles_;
   MacroMap macros_;
-  std::vector<std::pair<BString, BString>> markers_;  // file, its marker file
+  std::vector<InPlaceOutput> inPlace_;
   Ref<IBuilderTask> builderTask_;
   e_task task_ = E_TASK_FAKEBUILD;
   bool headerWritten_ = false;

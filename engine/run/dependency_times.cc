@@ -56,13 +56,12 @@ void DependencyTimes::grow() {
 std::optional<FileTime> DependencyTimes::modified(const BString& entry) {
   if (used_ * 2 >= slots_.size()) grow();
   Slot& found = slot(entry);
-  FileTimeCache& times = fileTimes();
-  if (!times.isCurrent(found.stamp)) {
+  if (!cache_->isCurrent(found.stamp)) {
     if (found.stamp.value == 0) {
       ++used_;
       found.entry = entry;
     }
-    found.time = times.modified(resolveDependency(entry, workingDirectory_), found.stamp);
+    found.time = cache_->modified(resolveDependency(entry, workingDirectory_), found.stamp);
   }
   return found.time;
 }
@@ -71,7 +70,7 @@ void DependencyTimes::prefetch(const std::vector<BString>& entries) const {
   std::vector<BString> paths;
   paths.reserve(entries.size());
   for (const BString& entry : entries) paths.push_back(resolveDependency(entry, workingDirectory_));
-  fileTimes().prefetch(paths);
+  cache_->prefetch(paths);
 }
 
 }  // namespace forgeyard

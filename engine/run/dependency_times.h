@@ -29,10 +29,13 @@ BString resolveDependency(const BString& entry, const BString& workingDirectory)
 // one text buffer, so each is resolved and looked up once.
 class DependencyTimes {
  public:
-  // `workingDirectory` of the project that the entries belong to.
-  explicit DependencyTimes(BString workingDirectory = {}) : workingDirectory_(std::move(workingDirectory)) {}
+  // `workingDirectory` of the project that the entries belong to. Times are read through `cache`, which must
+  // live as long.
+  explicit DependencyTimes(BString workingDirectory = {}, FileTimeCache& cache = fileTimes())
+      : workingDirectory_(std::move(workingDirectory)), cache_(&cache) {}
 
   const BString& workingDirectory() const { return workingDirectory_; }
+  FileTimeCache& cache() const { return *cache_; }
   // Nothing when the file can't be opened.
   std::optional<FileTime> modified(const BString& entry);
   // Reads the times of all of these at once.
@@ -48,6 +51,7 @@ class DependencyTimes {
   void grow();
 
   BString workingDirectory_;
+  FileTimeCache* cache_;
   std::vector<Slot> slots_;  // open addressing by the entry's buffer; a power of two
   std::size_t used_ = 0;
 };
