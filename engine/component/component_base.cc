@@ -129,12 +129,21 @@ Ref<IUnknown>* CComponentBase::find(SettingsMap& map, IConfiguration* configurat
   return found == map.end() ? nullptr : &found->second;
 }
 
-void CComponentBase::put(IConfiguration* configuration, Ref<IUnknown> settings) {
-  if (Ref<IUnknown>* found = find(settings_, configuration)) {
+void CComponentBase::put(SettingsMap& map, IConfiguration* configuration, Ref<IUnknown> settings) {
+  if (Ref<IUnknown>* found = find(map, configuration)) {
     *found = std::move(settings);
   } else {
-    settings_.emplace_back(configuration, std::move(settings));
+    map.emplace_back(configuration, std::move(settings));
   }
+}
+
+void CComponentBase::addSettings(SettingsMap& map, IConfiguration* configuration, IConfiguration* basedOn) {
+  Ref<IUnknown>* base = basedOn ? find(map, basedOn) : nullptr;
+  put(map, configuration, base ? cloneSettings(**base) : newSettings());
+}
+
+void CComponentBase::removeSettings(SettingsMap& map, IConfiguration* configuration) {
+  std::erase_if(map, [&](const auto& entry) { return sameObject(entry.first.get(), configuration); });
 }
 
 HRESULT CComponentBase::BeforeSettings() {
@@ -164,15 +173,16 @@ HRESULT CComponentBase::AfterSettings(std::int32_t apply) {
 
 HRESULT CComponentBase::OnNewConfiguration(IConfiguration* created, IConfiguration* basedOn) {
   return guard([&] {
-    Ref<IUnknown>* base = basedOn ? find(settings_, basedOn) : nullptr;
-    put(created, base ? cloneSettings(**base) : newSettings());
+    addSettings(settings_, created, basedOn);
+    if (transaction_) addSettings(working_, created, basedOn);
     changed_ = true;
   });
 }
 
 HRESULT CComponentBase::OnDeletedConfiguration(IConfiguration* old) {
   return guard([&] {
-    std::erase_if(settings_, [&](const auto& entry) { return sameObject(entry.first.get(), old); });
+    removeSettings(settings_, old);
+    removeSettings(working_, old);
     changed_ = true;
   });
 }
@@ -213,7 +223,7 @@ HRESULT CComponentBase::InitNew(IStorage* storage) {
       Ref<IUnknown> object;
       check(value.toUnknown(&object));
       if (const Ref<IConfiguration> configuration = object.as<IConfiguration>()) {
-        put(configuration.get(), newSettings());
+        put(settings_, configuration.get(), newSettings());
       }
     });
   });
@@ -267,7 +277,7 @@ void CComponentBase::loadSettings(IStream& stream) {
     check(configurations->get_Item(reader.listedString(), &configuration));
     const Ref<IUnknown> settings = newSettings();
     check(settings.as<IPersistStream>()->Load(&stream));
-    put(configuration.get(), settings);
+    put(settings_, configuration.get(), settings);
   }
 }
 

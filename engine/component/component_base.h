@@ -113,7 +113,10 @@ class CComponentBase : public CBuilderInputOutput,
 
   static Ref<IUnknown>* find(SettingsMap& map, IConfiguration* configuration);
   SettingsMap& inForce() { return transaction_ ? working_ : settings_; }
-  void put(IConfiguration* configuration, Ref<IUnknown> settings);
+  static void put(SettingsMap& map, IConfiguration* configuration, Ref<IUnknown> settings);
+  // Settings for a new configuration: a copy of those of the one that it is based on, if there are any.
+  void addSettings(SettingsMap& map, IConfiguration* configuration, IConfiguration* basedOn);
+  static void removeSettings(SettingsMap& map, IConfiguration* configuration);
   void keep(IStorage* storage);
   void rememberStored();
   void describeOwnStream(RecordFields& fields);

@@ -94,32 +94,33 @@ BString CConfiguration::target() const {
 
 HRESULT CConfiguration::BeforeSettings() {
   return guard([&] {
-    snapshot_ = {record_.outputDirectory, record_.intermediateDirectory, target(),
-                 record_.updateFileDependencies};
+    snapshot_ = Snapshot{record_.outputDirectory, record_.intermediateDirectory, target(),
+                         record_.updateFileDependencies};
   });
 }
 
+// A configuration that was added within the transaction has nothing to go back to.
 HRESULT CConfiguration::AfterSettings(std::int32_t apply) {
   return guard([&] {
     if (!apply) {
-      restoreSnapshot();
+      if (snapshot_) restore(*snapshot_);
     } else if (!record_.buildDirty) {
-      markBuildDirty();
+      markBuildDirty(snapshot_.value_or(Snapshot{}));
     }
   });
 }
 
-void CConfiguration::restoreSnapshot() {
-  record_.outputDirectory = snapshot_.outputDirectory;
-  record_.intermediateDirectory = snapshot_.intermediateDirectory;
-  record_.updateFileDependencies = snapshot_.updateFileDependencies;
-  record_.cookies.put(kTargetCookie, snapshot_.target);
+void CConfiguration::restore(const Snapshot& before) {
+  record_.outputDirectory = before.outputDirectory;
+  record_.intermediateDirectory = before.intermediateDirectory;
+  record_.updateFileDependencies = before.updateFileDependencies;
+  record_.cookies.put(kTargetCookie, before.target);
 }
 
 // That the flag being on is enough, changed or not, is meant: with it on, applied settings rebuild.
-void CConfiguration::markBuildDirty() {
-  const bool targetChanged = target() != snapshot_.target;
-  const bool updateChanged = record_.updateFileDependencies != snapshot_.updateFileDependencies;
+void CConfiguration::markBuildDirty(const Snapshot& before) {
+  const bool targetChanged = target() != before.target;
+  const bool updateChanged = record_.updateFileDependencies != before.updateFileDependencies;
   if (!targetChanged && !record_.updateFileDependencies) return;
   record_.buildDirty = true;
   markToolsDirty(targetChanged, updateChanged);

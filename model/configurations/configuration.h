@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "engine/self_documentation/diagnostics.h"
 #include "engine/self_documentation/self_documenting.h"
 #include "model/cookie_table.h"
@@ -68,15 +70,15 @@ class CConfiguration final : public ComObject<Dual<IConfiguration>, IPersistStre
   // Empty when there is no such cookie.
   BString target() const;
   HRESULT putAndNotify(BString& field, const BString& value, std::int32_t id);
-  void restoreSnapshot();
-  void markBuildDirty();
+  void restore(const Snapshot& before);
+  void markBuildDirty(const Snapshot& before);
   void markToolsDirty(bool targetChanged, bool updateChanged);
 
   WeakRef<IProject> project_;
   ConfigurationRecord record_;
   ConfigurationRecord stored_;
-  bool inFile_ = false;  // stored_ is what the file holds
-  Snapshot snapshot_;
+  bool inFile_ = false;               // stored_ is what the file holds
+  std::optional<Snapshot> snapshot_;  // within a settings transaction
   Diagnostics diagnostics_{static_cast<IConfiguration*>(this)};
 };
 

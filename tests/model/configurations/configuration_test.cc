@@ -209,6 +209,17 @@ TEST_F(ConfigurationTest, DroppedSettingsBringBackAllFour) {
   EXPECT_EQ(target(*made), "mips");
 }
 
+TEST_F(ConfigurationTest, OneThatWasAddedWithinATransactionHasNothingToGoBackTo) {
+  const auto made = make<CConfiguration>();
+  check(made->put_OutputDirectory(u"out"));
+  putTarget(*made, u"mips");
+  check(made->AfterSettings(0));
+  BString output;
+  check(made->get_OutputDirectory(&output));
+  EXPECT_EQ(output.narrow(), "out");
+  EXPECT_EQ(target(*made), "mips");
+}
+
 struct ApplyCase {
   const char* name;
   std::int32_t dirtyBefore;

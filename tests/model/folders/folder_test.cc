@@ -174,6 +174,33 @@ TEST_F(FolderTest, ASettingsTransactionIsKeptOrDropped) {
   }
 }
 
+// Configurations may come and go while the settings of the others are edited.
+TEST_F(FolderTest, ConfigurationsComeAndGoWithinASettingsTransaction) {
+  Ref<IConfigurations> configurations;
+  check(project_->get_Configurations(&configurations));
+  const Ref<IConfiguration> base = project_->contents().active;
+  for (const std::int32_t apply : {0, 1}) {
+    SCOPED_TRACE(apply ? "kept" : "dropped");
+    const Ref<IConfiguration> doomed = newConfiguration(*project_, u"Doomed");
+    check(folder_->BeforeSettings());
+    check(folder_->put_Enabled(0));
+    const Ref<IConfiguration> copy = newConfiguration(*project_, u"Copy", base.get());
+    check(configurations->Delete(doomed.get()));
+    Ref<IUnknown> settings;
+    EXPECT_EQ(folder_->get_Setting(copy.get(), &settings), S_OK);
+    EXPECT_EQ(folder_->get_Setting(doomed.get(), &settings), E_FAIL);
+    check(folder_->AfterSettings(apply));
+    EXPECT_EQ(folder_->get_Setting(doomed.get(), &settings), E_FAIL);
+    ASSERT_EQ(folder_->get_Setting(copy.get(), &settings), S_OK);
+    std::int32_t enabled = -1;
+    check(settings.as<IFolderSettings>()->get_Enabled(&enabled));
+    EXPECT_EQ(enabled, apply ? 0 : 1) << "a copy of what was in force";
+    check(folder_->put_Enabled(1));
+    check(copy->put_Name(apply ? u"Kept" : u"Dropped"));
+  }
+  EXPECT_TRUE(reload(*project_)->omissions().empty()) << "each stored name is known";
+}
+
 TEST_F(FolderTest, NameAndExtensionAnnounceThemselves) {
   const Ref<NotifySink> sink = listen(static_cast<IFolder*>(folder_.get()));
   check(folder_->put_Name(u"n"));
