@@ -14,6 +14,8 @@ Ref<IComponent> componentOf(IComponents& components, std::int32_t id) {
   return component;
 }
 
+std::uint64_t generations = 1;
+
 HRESULT give(const Ref<IComponent>& end, Ref<IComponent>* out) {
   *out = end;
   return end ? S_OK : E_FAIL;
@@ -27,6 +29,18 @@ void CConnection::describe(RecordFields& fields, std::int32_t& from, std::int32_
   fields.number(u"to", to);
 }
 
+std::uint64_t CConnection::generation() {
+  return generations;
+}
+
+void CConnection::setEnds(Ref<IComponent> from, Ref<IComponent> to) {
+  from_ = std::move(from);
+  to_ = std::move(to);
+  fromIdentity_ = from_.as<IUnknown>().get();
+  toIdentity_ = to_.as<IUnknown>().get();
+  ++generations;
+}
+
 HRESULT CConnection::get_From(Ref<IComponent>* out) {
   return give(from_, out);
 }
@@ -38,8 +52,7 @@ HRESULT CConnection::get_To(Ref<IComponent>* out) {
 HRESULT CConnection::Init(IComponent* from, IComponent* to) {
   return guard([&] {
     if (!from || !to) return E_FAIL;
-    from_ = Ref<IComponent>(from);
-    to_ = Ref<IComponent>(to);
+    setEnds(Ref<IComponent>(from), Ref<IComponent>(to));
     if (failed(from->AddSink(to))) return E_FAIL;
     if (succeeded(to->AddSource(from))) return S_OK;
     ignore(from->RemoveSink(to));
@@ -51,6 +64,7 @@ HRESULT CConnection::Close() {
   return guard([&] {
     const Ref<IComponent> from = std::exchange(from_, nullptr);
     const Ref<IComponent> to = std::exchange(to_, nullptr);
+    ++generations;
     if (!from || !to) return;
     ignore(from->RemoveSink(to.get()));
     ignore(to->RemoveSource(from.get()));
@@ -77,8 +91,7 @@ HRESULT CConnection::Load(IStream* stream) {
     describe(fields, fromId, toId);
     Ref<IComponents> components;
     check(project->get_Components(&components));
-    from_ = componentOf(*components, fromId);
-    to_ = componentOf(*components, toId);
+    setEnds(componentOf(*components, fromId), componentOf(*components, toId));
     check(from_->AddSink(to_.get()));
     check(to_->AddSource(from_.get()));
     changed_ = false;

@@ -35,13 +35,23 @@ class CConnection final : public ComObject<Dual<IConnection>, IPersistStream, Se
   // Borrowed; null before Init and after Close.
   IComponent* from() const { return from_.get(); }
   IComponent* to() const { return to_.get(); }
+  // Their identities, which say whether two references are to one component. They stay when the ends go.
+  IUnknown* fromIdentity() const { return fromIdentity_; }
+  IUnknown* toIdentity() const { return toIdentity_; }
+
+  // What is derived from the ends of connections is valid for one generation: each connection that gets or
+  // loses its ends begins another. One count for the module.
+  static std::uint64_t generation();
 
  private:
   const History& history() const override;
+  void setEnds(Ref<IComponent> from, Ref<IComponent> to);
 
   WeakRef<IProject> project_;
   Ref<IComponent> from_;
   Ref<IComponent> to_;
+  IUnknown* fromIdentity_ = nullptr;
+  IUnknown* toIdentity_ = nullptr;
   bool changed_ = true;
 };
 

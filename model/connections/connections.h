@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "model/connections/connection.h"
+#include "model/connections/connection_graph.h"
 
 namespace forgeyard {
 
@@ -31,21 +31,22 @@ class CConnections final : public ComObject<Dual<IConnections>, IPersistStream> 
   // The project goes.
   void detach() { project_ = nullptr; }
   // Whether the component is the source end of a connection.
-  bool feedsAnother(IComponent* component) const;
-  // Whether a circle of connections lies upstream of the component: only a file from elsewhere can bring one
-  // in.
-  bool fedByCircle(IComponent* component) const;
+  bool feedsAnother(IComponent* component);
+  // Whether the component is on a circle of connections or downstream of one. Only a file from elsewhere can
+  // bring one in.
+  bool fedByCircle(IComponent* component);
   // Deletes every connection with the component at either end.
   void deleteAllOf(IUnknown* component);
 
  private:
   WeakRef<IProject> weakProject() const;
-  bool reachedTwice(IComponent* from, IComponent* to) const;
-  bool stands(IComponent* from, IComponent* to) const;
+  // Up to date.
+  ConnectionGraph& graph();
   void changed();
 
   CProject* project_;
   std::vector<Ref<CConnection>> list_;
+  ConnectionGraph graph_;
   bool changed_ = false;
 };
 

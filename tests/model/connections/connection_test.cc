@@ -76,7 +76,7 @@ TEST_F(ConnectionTest, AChangeIsTold) {
   check(project_->put_Dirty(0));
   const Ref<NotifySink> sink = listen(static_cast<IProject*>(project_.get()));
   ASSERT_EQ(join(0, 1), S_OK);
-  EXPECT_EQ(sink->count(kProjectConnections), 1);
+  EXPECT_THAT(sink->ids, testing::ElementsAre(kProjectDirty, kProjectComponentOutputs, kProjectConnections));
   EXPECT_EQ(dirty(*project_), 1);
   EXPECT_EQ(nodes_[1]->sourceCount(), 1u);
   EXPECT_EQ(join(0, 1), E_FAIL);
@@ -90,6 +90,17 @@ TEST_F(ConnectionTest, AChangeIsTold) {
   Ref<IComponent> end;
   EXPECT_EQ(found->get_From(&end), E_FAIL);
   EXPECT_EQ(found->get_To(&end), E_FAIL);
+}
+
+// A client may close a connection that the collection still lists: it joins nothing any more.
+TEST_F(ConnectionTest, AClosedConnectionNoLongerCounts) {
+  Ref<IConnection> made;
+  ASSERT_EQ(connections_->New(nodes_[0].get(), nodes_[1].get(), &made), S_OK);
+  EXPECT_EQ(join(1, 0), E_FAIL);
+  check(made->Close());
+  Ref<IConnection> found;
+  EXPECT_EQ(connections_->get_Item(nodes_[0].get(), &found), E_FAIL);
+  EXPECT_EQ(join(1, 0), S_OK);
 }
 
 TEST_F(ConnectionTest, ItemIsTheFirstThatBeginsThere) {
