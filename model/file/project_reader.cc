@@ -25,10 +25,9 @@ void ProjectReader::leaveOut(std::string what, std::string why) {
 Ref<IStream> ProjectReader::stream(const char16_t* name) {
   Ref<IStream> found;
   step_ = quoted("stream", name);
-  if (const HRESULT status = root_.OpenStream(name, kReadStream, &found); failed(status)) {
-    leaveOut(step_, statusText(status));
-    return nullptr;
-  }
+  const HRESULT status = root_.OpenStream(name, kReadStream, &found);
+  // A file may lack a stream, and the project then keeps its defaults.
+  if (failed(status) && status != STG_E_FILENOTFOUND) leaveOut(step_, statusText(status));
   return found;
 }
 
@@ -59,12 +58,12 @@ void ProjectReader::readContents() {
 
 // These are no new configurations: no event goes out.
 void ProjectReader::readConfigurations() {
-  constexpr std::uint32_t kSmallestRecord = 16;
   const Ref<IStream> source = stream(kConfigurationsStream);
   if (!source) return;
   project_.contents().active = nullptr;
   RecordReader record(source.get());
-  for (std::uint32_t left = record.count(kSmallestRecord); left > 0; --left) {
+  // A list that is cut short keeps what precedes the cut, so its length isn't checked first.
+  for (std::uint32_t left = record.u32(); left > 0; --left) {
     const auto configuration = make<CConfiguration>();
     check(configuration->put_Project(&project_));
     check(configuration->Load(source.get()));
@@ -98,9 +97,10 @@ void ProjectReader::readComponent(const STATSTG& element) {
   if (const HRESULT status = root_.OpenStorage(element.name, mode, &storage); failed(status)) {
     return leaveOut(step_, statusText(status));
   }
+  // A storage of another class is none of ours, and a save leaves it as it is.
   const Ref<IPersistStorage> persist = createInstance<IPersistStorage>(element.clsid);
   const Ref<IComponent> component = persist.as<IComponent>();
-  if (!component) return leaveOut(step_, "there is no component class " + formatGuid(element.clsid));
+  if (!component) return;
   if (const HRESULT status = guard([&] { attach(*component, *persist, *storage); }); failed(status)) {
     ignore(component->Close());
     throw StatusError(status);

@@ -137,6 +137,7 @@ void CProject::clearContents() {
   contents_.root = nullptr;
   contents_.components.clear();
   contents_.configurations.clear();
+  buildDirty_ = false;
   clearSources();
   fileIndex_.invalidate();
 }
