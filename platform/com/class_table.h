@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/com/guid.h"
 #include "platform/com/ref.h"
 
@@ -21,6 +23,13 @@ using GetClassObject = HRESULT (*)(const Guid& clsid, const Guid& iid, void** ou
 // module when it has loaded it; a module adds itself to nothing. Apartment thread only.
 void addClassSource(GetClassObject source);
 void removeClassSource(GetClassObject source);
+
+// Serves one class from a module that is loaded, from `path` on this system, when the class is first asked
+// for, and stays loaded. A file that doesn't exist leaves the class unregistered; one that can't be loaded
+// fails with CO_E_DLLNOTFOUND. A second call for a class replaces its path until then. Apartment thread only.
+void addClassModule(const Guid& clsid, std::string path);
+// Why the module of a class could not be loaded; empty if it was, or was never tried.
+std::string classModuleError(const Guid& clsid);
 
 // The class object, REGDB_E_CLASSNOTREG when no module in the process serves the class.
 HRESULT CoGetClassObject(const Guid& clsid, Ref<IClassFactory>* out);

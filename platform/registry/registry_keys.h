@@ -21,5 +21,9 @@ inline constexpr std::string_view kAssemblers = R"(Software\Korvel\Build Tool\As
 inline constexpr std::string_view kDrives = R"(Software\Korvel\Build Tool\Drives)";
 // Value names: tools that get their arguments as they stand, not spelled for the host.
 inline constexpr std::string_view kNativePaths = R"(Software\Korvel\Build Tool\Native Paths)";
+// The source control of projects: a value names the database that is used where a project names none, as the
+// path of its srcsafe.ini.
+inline constexpr std::string_view kSourceControl = R"(Software\Korvel\Forgeyard\Source Control)";
+inline constexpr std::string_view kDefaultDatabase = "Database";
 
 }  // namespace forgeyard::registry_keys
