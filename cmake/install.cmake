@@ -10,6 +10,9 @@ install(TARGETS forgeyard_platform forgeyard_module LIBRARY DESTINATION ${privat
 set_target_properties(forgeyard_console PROPERTIES INSTALL_RPATH "$ORIGIN/../${private}")
 set_target_properties(forgeyard_platform PROPERTIES INSTALL_RPATH "")
 set_target_properties(forgeyard_module PROPERTIES INSTALL_RPATH "$ORIGIN")
+# In a component of its own, which is a package of its own: whoever doesn't use source control needs none of its libraries.
+install(TARGETS forgeyard_repository LIBRARY DESTINATION ${private} COMPONENT repository)
+set_target_properties(forgeyard_repository PROPERTIES INSTALL_RPATH "$ORIGIN")
 # Linked statically, they have no search path that an installation could change.
 set(small_programs TideSpawn.exe gnu-cc gnu-as TRAMLINK)
 set_target_properties(${small_programs} PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "")

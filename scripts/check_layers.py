@@ -22,6 +22,7 @@ LAYERS = {
     "platform/threads": BASE + ["platform/com", "platform/files"],
     "platform/ui": BASE + ["platform/com"],
     "typelib": PLATFORM,
+    "repository": PLATFORM + ["typelib"],
     "engine": PLATFORM + ["typelib"],
     "model": PLATFORM + ["typelib", "engine"],
     "tools": PLATFORM + ["typelib", "engine", "model"],
@@ -118,6 +119,9 @@ def one_program(first, second):
     """Whether both may be linked into one program: the small ones share nothing with the module but what is below."""
     small = [layer_of(path) in ("adapters", "spawner") for path in (first, second)]
     module = [layer_of(path) in MODULE for path in (first, second)]
+    repository = [layer_of(path) == "repository" for path in (first, second)]
+    if repository[0] != repository[1]:
+        return not (module[0] or module[1] or small[0] or small[1])
     return not (small[0] and module[1] or small[1] and module[0])
 
 

@@ -10,6 +10,9 @@ build  ccache                    compiles nothing twice
 build  libcli11-dev              command line of the hosts
 build  nlohmann-json3-dev        JSON output of the hosts, reference data in tests
 build  liblua5.4-dev             language of the console host's scripts
+build  libsvn-dev                the source control database
+build  libapr1-dev               and the runtime that it is built on
+build  pkg-config                finds both
 build  libgtest-dev              tests
 build  libgmock-dev              tests
 build  libbenchmark-dev          benchmarks
@@ -21,6 +24,7 @@ target qemu-user                 runs programs of the second target
 test   make                      builds what is exported for it
 test   libgsf-bin                another implementation reads our project files
 test   python3-olefile           and one more
+test   subversion                 works beside us on one repository, serves it
 test   git                       shows and merges projects, tells imports what to leave out
 lint   clang-format              layout of the code
 lint   clang-tidy                faults that the compiler does not see; brings python3
