@@ -14,6 +14,7 @@
 #include "tests/platform/com/live_objects.h"
 #include "tests/support/places.h"
 #include "typelib/type_library.h"
+#include "typelib/vss_database.h"
 
 namespace forgeyard {
 namespace {
@@ -68,7 +69,13 @@ std::vector<Described> describedAll(TypeList<Is...>) {
 }
 
 const std::vector<Described>& descriptions() {
-  static const auto all = describedAll(DualInterfaces{});
+  static const auto all = [] {
+    auto described = describedAll(DualInterfaces{});
+    // Those of the database belong to a module of its own, not to the type library.
+    const auto database = describedAll(TypeList<IVSSDatabase, IVSSItem, IVSSItems>{});
+    described.insert(described.end(), database.begin(), database.end());
+    return described;
+  }();
   return all;
 }
 
