@@ -8,13 +8,13 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/console/import/compiler_settings.h"
 #include "platform/paths/command_line.h"
+#include "workbench/import/compiler_settings.h"
 
 namespace {
 
 using namespace forgeyard;
-using namespace forgeyard::console;
+using namespace forgeyard::workbench;
 
 void require(bool holds) {
   if (!holds) std::abort();
@@ -46,6 +46,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (const char c : setting.value) entries += c == ';' ? 1 : 0;
     require(wordsOf(setting.value) == entries);
   }
-  for (const std::string& line : notes.lines()) require(line.find('\n') == line.npos);
+  for (const std::string& line : notes.lines()) require(!line.empty());
   return 0;
 }

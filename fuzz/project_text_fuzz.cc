@@ -4,16 +4,16 @@
 #include <string_view>
 
 #include "fuzz/project_host.h"
-#include "hosts/console/text/json_reader.h"
-#include "hosts/console/text/json_writer.h"
 #include "model/records/record_decoder.h"
 #include "model/records/record_encoder.h"
 #include "model/records/record_values.h"
+#include "workbench/text/json_reader.h"
+#include "workbench/text/json_writer.h"
 
 namespace {
 
 using namespace forgeyard;
-using namespace forgeyard::console;
+using namespace forgeyard::workbench;
 
 // Elements in the order in which a file lists them don't matter here: the text of the text is compared.
 ProjectRecords stored(std::string_view text) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/console/import/source_text.h"
+#include "workbench/import/source_text.h"
 
 namespace {
 
@@ -17,7 +17,7 @@ void require(bool holds) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  using namespace forgeyard::console;
+  using namespace forgeyard::workbench;
   const std::string_view text(reinterpret_cast<const char*>(data), size);
   std::size_t at = 0;
   for (const Include& include : readSourceText(text).includes) {

@@ -29,9 +29,10 @@ LAYERS = {
     "sourcecontrol": PLATFORM + ["typelib", "engine", "model"],
     "ui": PLATFORM + ["typelib", "engine", "model", "tools", "sourcecontrol"],
     "plugin": PLATFORM + ["typelib", "engine", "model", "tools", "sourcecontrol", "ui"],
-    # Hosts reach the module through its exports and interfaces alone; what tools a build would run they ask the
-    # adapters' own reading of commands.
-    "hosts": PLATFORM + ["typelib", "plugin", "adapters"],
+    # The workbench reaches the module through its exports and interfaces alone; what tools a build would run it asks
+    # the adapters' own reading of commands. Hosts are what shows it to a user.
+    "workbench": PLATFORM + ["typelib", "plugin", "adapters"],
+    "hosts": PLATFORM + ["typelib", "plugin", "adapters", "workbench"],
     # Programs of their own, which start thousands of times: small.
     "adapters": BASE,
     "spawner": BASE + ["adapters"],

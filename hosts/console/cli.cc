@@ -11,8 +11,11 @@
 #include "hosts/console/command_line/usage_message.h"
 #include "hosts/console/services/json_lines.h"
 #include "hosts/console/services/standard_output.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -31,6 +31,11 @@ void complain(std::string_view message, LineEnd end) {
   report(end == LineEnd::Open ? ReportKind::Question : ReportKind::Message, message, end);
 }
 
+bool complainOfAll(const std::vector<std::string>& messages) {
+  for (const std::string& message : messages) complain(message);
+  return !messages.empty();
+}
+
 void complainOfFailure(std::string_view message) {
   report(ReportKind::Error, message, LineEnd::Closed);
 }

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace forgeyard::console {
 
@@ -9,6 +11,8 @@ enum class LineEnd { Closed, Open };
 
 // One message to the user on standard error, behind the program's name; further lines of it are indented.
 void complain(std::string_view message, LineEnd end = LineEnd::Closed);
+// Each of them. Whether there was any.
+bool complainOfAll(const std::vector<std::string>& messages);
 // The same for what ends the command.
 void complainOfFailure(std::string_view message);
 

@@ -2,9 +2,11 @@
 
 #include "hosts/console/build/json_view.h"
 #include "hosts/console/build/text_view.h"
-#include "hosts/console/project/configurations.h"
+#include "workbench/project/configurations.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -27,9 +29,8 @@ BuildSubject subjectOf(OpenProject& project, const ProjectPaths& paths, std::u16
   return {project.file().host, paths.directory(), nameOf(*project.configuration()), taskOf(command)};
 }
 
-std::unique_ptr<BuildView> makeView(OpenProject& project, const ProjectPaths& paths,
+std::unique_ptr<BuildView> makeView(Session& session, OpenProject& project, const ProjectPaths& paths,
                                     std::u16string_view command) {
-  Session& session = project.session();
   if (!session.options().json) return std::make_unique<TextView>(session);
   return std::make_unique<JsonView>(session.output(), subjectOf(project, paths, command));
 }
@@ -61,11 +62,11 @@ class BuildDisplay::Progress final : public ComObject<IBuildProgress> {
   BuildDisplay& display_;
 };
 
-BuildDisplay::BuildDisplay(OpenProject& project, std::u16string_view command)
-    : session_(project.session()),
+BuildDisplay::BuildDisplay(Session& session, OpenProject& project, std::u16string_view command)
+    : session_(session),
       paths_(project.project()),
       toolPaths_(paths_),
-      view_(makeView(project, paths_, command)) {
+      view_(makeView(session, project, paths_, command)) {
   session_.host().outputWindow().setSink(this);
   session_.host().setBuildProgress(make<Progress>(*this).get());
 }

@@ -3,11 +3,13 @@
 #include <memory>
 #include <string_view>
 
+#include "hosts/console/base/exit_code.h"
 #include "hosts/console/build/build_view.h"
-#include "hosts/console/build/tool_paths.h"
-#include "hosts/console/project/open_project.h"
-#include "hosts/console/project/project_paths.h"
 #include "hosts/console/services/output_window.h"
+#include "hosts/console/session/session.h"
+#include "workbench/diagnostics/tool_paths.h"
+#include "workbench/project/open_project.h"
+#include "workbench/project/project_paths.h"
 
 namespace forgeyard::console {
 
@@ -15,8 +17,8 @@ namespace forgeyard::console {
 // construction on: takes the lines of the output window and hears of the build's progress. Main thread only.
 class BuildDisplay final : private LineSink {
  public:
-  // `command` is the module's, as "ProjectBuild". Borrows the project and its session.
-  BuildDisplay(OpenProject& project, std::u16string_view command);
+  // `command` is the module's, as "ProjectBuild". Borrows the session and the project.
+  BuildDisplay(Session& session, workbench::OpenProject& project, std::u16string_view command);
   BuildDisplay(const BuildDisplay&) = delete;
   BuildDisplay& operator=(const BuildDisplay&) = delete;
   ~BuildDisplay();
@@ -34,14 +36,14 @@ class BuildDisplay final : private LineSink {
   void toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode);
 
   Session& session_;
-  ProjectPaths paths_;
-  ToolPaths toolPaths_;
+  workbench::ProjectPaths paths_;
+  workbench::ToolPaths toolPaths_;
   Clock::time_point begin_ = Clock::now();
   Clock::time_point toolBegin_;
   bool toolRuns_ = false;
   std::int32_t tools_ = 0;
   std::string component_;  // whose tool runs
-  Findings findings_;
+  workbench::Findings findings_;
   std::unique_ptr<BuildView> view_;
 };
 

@@ -8,12 +8,16 @@
 #include "hosts/console/build/build_display.h"
 #include "hosts/console/build/stop_signals.h"
 #include "hosts/console/build/tool_processes.h"
-#include "hosts/console/project/components.h"
-#include "hosts/console/project/configurations.h"
+#include "hosts/console/session/session.h"
 #include "platform/com/connection_point.h"
 #include "platform/storage/records/persist.h"
+#include "workbench/base/failure.h"
+#include "workbench/project/components.h"
+#include "workbench/project/configurations.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -159,20 +163,20 @@ void storeWhatWasLearnt(OpenProject& project) {
 
 }  // namespace
 
-ExitCode runBuild(OpenProject& project, std::u16string_view command) {
+ExitCode runBuild(Session& session, OpenProject& project, std::u16string_view command) {
   project.requireConsentIfIncomplete("Build what is left?");
   project.requireSettings();
   ExitCode result = ExitCode::Failure;
   {
     const ActiveFor active(project.project(), project.configuration());
-    BuildDisplay display(project, command);
-    const CommandEnd end = runCommand(project.session(), command);
+    BuildDisplay display(session, project, command);
+    const CommandEnd end = runCommand(session, command);
     if (!end.result) throw Failure("The build was not started.");
     result = end.stopAsked ? ExitCode::Stopped : *end.result;
     display.end(result);
   }
   storeWhatWasLearnt(project);
-  return project.session().finish(result);
+  return session.finish(result);
 }
 
 }  // namespace forgeyard::console

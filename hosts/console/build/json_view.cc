@@ -8,6 +8,8 @@
 
 namespace forgeyard::console {
 
+using namespace workbench;
+
 namespace {
 
 using Json = nlohmann::ordered_json;

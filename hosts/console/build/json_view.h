@@ -12,11 +12,11 @@ class JsonView final : public BuildView {
   JsonView(LineWriter& out, const BuildSubject& subject);
 
   bool wantsCounts() const override { return true; }
-  void line(const BString& tab, const BString& text, const Diagnostic* diagnostic) override;
+  void line(const BString& tab, const BString& text, const workbench::Diagnostic* diagnostic) override;
   void componentStarted(const BString& component, std::int32_t inputs) override;
   void componentEnded(const BString& component, e_btr result) override;
   void toolStarted(const ToolRun& run, const std::string& file) override;
-  void toolFailed(const Diagnostic& failure) override;
+  void toolFailed(const workbench::Diagnostic& failure) override;
   void toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode,
                  std::chrono::milliseconds elapsed) override;
   void ended(const BuildOutcome& outcome) override;

@@ -1,9 +1,11 @@
 #include "hosts/console/build/text_view.h"
 
-#include "hosts/console/base/words.h"
 #include "hosts/console/session/session.h"
+#include "workbench/base/words.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

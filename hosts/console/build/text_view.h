@@ -22,17 +22,17 @@ class TextView final : public BuildView {
   explicit TextView(Session& session);
 
   bool wantsCounts() const override { return progress_ != nullptr; }
-  void line(const BString& tab, const BString& text, const Diagnostic* diagnostic) override;
+  void line(const BString& tab, const BString& text, const workbench::Diagnostic* diagnostic) override;
   void componentStarted(const BString& component, std::int32_t inputs) override;
   void componentEnded(const BString& component, e_btr result) override;
   void toolStarted(const ToolRun& run, const std::string& file) override;
-  void toolFailed(const Diagnostic& failure) override;
+  void toolFailed(const workbench::Diagnostic& failure) override;
   void toolEnded(const ToolRun& run, std::optional<std::int32_t> exitCode,
                  std::chrono::milliseconds elapsed) override;
   void ended(const BuildOutcome& outcome) override;
 
  private:
-  void showFinding(const Finding& finding);
+  void showFinding(const workbench::Finding& finding);
 
   LineWriter& out_;
   Terminal terminal_;

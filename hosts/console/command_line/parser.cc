@@ -10,6 +10,8 @@
 
 namespace forgeyard::console {
 
+using namespace workbench;
+
 namespace {
 
 using Kind = Parameter::Kind;

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/command_line/arguments.h"
 #include "hosts/console/commands/all_commands.h"
 #include "hosts/console/commands/common_usage.h"
+#include "workbench/base/nearest.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -1,15 +1,19 @@
 // typelib, script, serve: what scripts and other programs can reach, and how.
 
-#include "hosts/console/automation/idl.h"
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/open_project.h"
 #include "hosts/console/script/script.h"
 #include "hosts/console/serve/server.h"
 #include "hosts/console/services/standard_output.h"
+#include "hosts/console/session/session.h"
 #include "typelib/type_library.h"
+#include "workbench/automation/idl.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
+#include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -3,12 +3,15 @@
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/plan/dry_run.h"
-#include "hosts/console/project/open_project.h"
-#include "hosts/console/project/source_files.h"
 #include "hosts/console/services/standard_output.h"
+#include "hosts/console/session/session.h"
 #include "platform/threads/named_event.h"
+#include "workbench/project/open_project.h"
+#include "workbench/project/source_files.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -16,14 +19,15 @@ using Kind = Parameter::Kind;
 
 constexpr Parameter kDryRun{Kind::Flag, "--dry-run", "", "only list the commands that would run"};
 
-ExitCode run(OpenProject& project, const Invocation& invocation, std::u16string_view command, e_task task) {
-  return invocation.has("--dry-run") ? dryRun(project, task) : runBuild(project, command);
+ExitCode run(Session& session, OpenProject& project, const Invocation& invocation,
+             std::u16string_view command, e_task task) {
+  return invocation.has("--dry-run") ? dryRun(session, project, task) : runBuild(session, project, command);
 }
 
 ExitCode run(const Invocation& invocation, std::u16string_view command, e_task task) {
   Session session(invocation.options());
   OpenProject project(session);
-  return run(project, invocation, command, task);
+  return run(session, project, invocation, command, task);
 }
 
 ExitCode build(const Invocation& invocation) {
@@ -67,7 +71,7 @@ ExitCode compile(const Invocation& invocation) {
   OpenProject project(session);
   const auto selection = make<FileSelection>(filesNamed(project.project(), invocation.texts("PATH")));
   session.host().frame().setActiveView(selection.get());
-  return run(project, invocation, u"ProjectCompile", E_TASK_COMPILE);
+  return run(session, project, invocation, u"ProjectCompile", E_TASK_COMPILE);
 }
 
 ExitCode stop(const Invocation& invocation) {

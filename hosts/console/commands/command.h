@@ -8,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "hosts/console/base/failure.h"
+#include "hosts/console/base/exit_code.h"
 #include "hosts/console/base/options.h"
 
 namespace forgeyard::console {

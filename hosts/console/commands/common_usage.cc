@@ -4,6 +4,8 @@
 
 namespace forgeyard::console {
 
+using namespace workbench;
+
 namespace {
 
 using Kind = Parameter::Kind;

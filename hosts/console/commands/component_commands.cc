@@ -3,15 +3,19 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/components.h"
-#include "hosts/console/project/connections.h"
-#include "hosts/console/project/new_component.h"
-#include "hosts/console/project/open_project.h"
 #include "hosts/console/services/json_lines.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
+#include "workbench/project/components.h"
+#include "workbench/project/connections.h"
+#include "workbench/project/new_component.h"
+#include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

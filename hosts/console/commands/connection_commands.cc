@@ -1,11 +1,15 @@
 // connect and disconnect.
 
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/components.h"
-#include "hosts/console/project/connections.h"
-#include "hosts/console/project/open_project.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/project/components.h"
+#include "workbench/project/connections.h"
+#include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

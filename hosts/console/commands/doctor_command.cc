@@ -2,14 +2,16 @@
 
 #include <nlohmann/json.hpp>
 
-#include "hosts/console/base/words.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/doctor/checks.h"
 #include "hosts/console/services/json_lines.h"
 #include "hosts/console/services/standard_output.h"
 #include "hosts/console/services/terminal.h"
+#include "workbench/base/words.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -26,7 +28,7 @@ void show(LineWriter& out, const CheckResult& result) {
   out.line(padded(toText(result.state), kStateWidth) + padded(result.subject, kSubjectWidth) +
            printable(result.text));
   if (!result.advice.empty())
-    out.line(std::string(kStateWidth + kSubjectWidth, ' ') + "-> " + printable(result.advice));
+    out.line(padded("", kStateWidth + kSubjectWidth).append("-> ").append(printable(result.advice)));
 }
 
 void showObject(LineWriter& out, const CheckResult& result) {

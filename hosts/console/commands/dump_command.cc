@@ -5,13 +5,18 @@
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/components.h"
-#include "hosts/console/project/workspace.h"
 #include "hosts/console/services/json_lines.h"
-#include "hosts/console/text/json_writer.h"
-#include "hosts/console/text/project_records.h"
+#include "hosts/console/services/standard_input.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/project/components.h"
+#include "workbench/project/workspace.h"
+#include "workbench/text/json_writer.h"
+#include "workbench/text/project_records.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -52,7 +57,7 @@ void showJson(Session& session, const char* name, const std::string& json) {
 
 ExitCode showRecords(Session& session, const std::string& name, const ProjectRecords& records) {
   showJson(session, "records", recordsAsJson(records, Detail::All));
-  const bool damaged = complainOfDamage(name, records);
+  const bool damaged = complainOfAll(damageIn(name, records));
   if (!records.load.leftOut.empty())
     complain(name + ": a load leaves a part of it out; forgeyard dump --load says what and why.");
   return session.finish(damaged || !records.load.leftOut.empty() ? ExitCode::BuildErrors : ExitCode::Success);
@@ -61,7 +66,7 @@ ExitCode showRecords(Session& session, const std::string& name, const ProjectRec
 // What the program that compares asks for has to come, whatever state the file is in.
 ExitCode showForDiff(Session& session, const std::string& name, const ProjectRecords& records) {
   showJson(session, "records", recordsAsJson(records, Detail::Entered));
-  complainOfDamage(name, records);
+  complainOfAll(damageIn(name, records));
   return session.finish();
 }
 
@@ -83,8 +88,8 @@ ExitCode dump(const Invocation& invocation) {
     throw Failure("--diff, --load and --tree each show something else; give one of them.");
   Session session(invocation.options());
   std::optional<TemporaryProject> input;
-  if (named == "-") {
-    const std::string bytes = readWhole(named);
+  if (named == kStandardStream) {
+    const std::string bytes = readStandardInput();
     input.emplace().fill(bytes);
   }
   ProjectFile file = chosenFile(session, input ? input->path() : named);

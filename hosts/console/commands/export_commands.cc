@@ -2,14 +2,19 @@
 
 #include <filesystem>
 
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/export/exported_file.h"
-#include "hosts/console/export/formats.h"
+#include "hosts/console/services/standard_input.h"
+#include "hosts/console/session/session.h"
 #include "platform/files/host_location.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
+#include "workbench/export/exported_file.h"
+#include "workbench/export/formats.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -18,11 +23,17 @@ constexpr const char* kOutput = "-o,--output";
 
 std::string outputFile(const Invocation& invocation, const std::string& directory, const char* name) {
   const std::string& wanted = invocation.text(kOutput);
-  if (wanted == "-") return wanted;
+  if (wanted == kStandardStream) return wanted;
   if (wanted.empty()) return directory + "/" + name;
   const ModelPath model = toModel(wanted);
   if (!model) throw Failure(model.error);
   return spelledHost(model.path).value_or(wanted);
+}
+
+void put(Session& session, const std::string& file, const std::string& text,
+         bool (*isExported)(std::string_view)) {
+  if (file == kStandardStream) return session.output().lines(text);
+  writeExported(session.host(), file, text, isExported);
 }
 
 ExitCode exportCompileCommands(const Invocation& invocation) {
@@ -30,7 +41,7 @@ ExitCode exportCompileCommands(const Invocation& invocation) {
   OpenProject project(session);
   const std::string directory = directoryOf(project.project());
   const std::string file = outputFile(invocation, directory, "compile_commands.json");
-  writeExported(session, file, compileCommandsText(directory, compilationsOf(project)), isExportedDatabase);
+  put(session, file, compileCommandsText(directory, compilationsOf(project)), isExportedDatabase);
   return session.finish();
 }
 
@@ -39,7 +50,7 @@ ExitCode exportNinja(const Invocation& invocation) {
   OpenProject project(session);
   const std::string file = outputFile(invocation, directoryOf(project.project()), "build.ninja");
   const ExportPlan plan = exportPlanOf(project);
-  writeExported(session, file, ninjaText(plan), isExportedRules);
+  put(session, file, ninjaText(plan), isExportedRules);
   const std::vector<std::string> unreadable = unreadableForNinja(plan);
   if (!unreadable.empty())
     complain("ninja can't read these names in lists of headers, so they are compiled each time: " +
@@ -53,8 +64,8 @@ ExitCode exportMake(const Invocation& invocation) {
   const std::string directory = directoryOf(project.project());
   const std::string file = outputFile(invocation, directory, "Makefile");
   const std::string name =
-      file == "-" ? "Makefile" : std::filesystem::path(file).lexically_relative(directory);
-  writeExported(session, file, makeText(exportPlanOf(project), name), isExportedRules);
+      file == kStandardStream ? "Makefile" : std::filesystem::path(file).lexically_relative(directory);
+  put(session, file, makeText(exportPlanOf(project), name), isExportedRules);
   return session.finish();
 }
 

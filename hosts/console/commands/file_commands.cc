@@ -8,14 +8,18 @@
 #include <unordered_set>
 
 #include "hosts/console/base/report.h"
-#include "hosts/console/base/words.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/open_project.h"
-#include "hosts/console/project/source_files.h"
 #include "hosts/console/services/json_lines.h"
+#include "hosts/console/session/session.h"
 #include "platform/paths/shell_path.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/words.h"
+#include "workbench/project/open_project.h"
+#include "workbench/project/source_files.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

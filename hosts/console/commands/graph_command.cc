@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/graph/formats.h"
 #include "hosts/console/services/json_lines.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
+#include "workbench/diagram/formats.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -4,17 +4,21 @@
 
 #include <filesystem>
 
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/base/report.h"
-#include "hosts/console/base/words.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/import/database_import.h"
-#include "hosts/console/import/project_maker.h"
-#include "hosts/console/import/tree_import.h"
 #include "hosts/console/services/terminal.h"
+#include "hosts/console/session/session.h"
 #include "platform/files/host_location.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
+#include "workbench/base/words.h"
+#include "workbench/import/database_import.h"
+#include "workbench/import/project_maker.h"
+#include "workbench/import/tree_import.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -59,7 +63,6 @@ ImportRequest requestOf(const Invocation& invocation) {
   }
   request.folders = folderMode(invocation.text("--folders"));
   request.target = invocation.text("--target");
-  request.quiet = invocation.options().quiet;
   return request;
 }
 
@@ -71,18 +74,16 @@ bool isTaken(const std::string& path) {
 
 void requireFreeFile(Session& session, const ProjectFile& file) {
   if (!isTaken(file.host)) return;
-  MessageAnswer answer = MessageAnswer::No;
-  check(session.host().frame().ShowMessage(
-      BString::fromNarrow(file.host + " exists already. Replace it, with all that is set in it?"), u"Import",
-      MessageButtons::YesNo, MessageIcon::Exclamation, &answer));
-  if (answer != MessageAnswer::Yes) throw Failure(file.host + " was left as it is.");
+  if (!session.host().agrees("Import",
+                             file.host + " exists already. Replace it, with all that is set in it?"))
+    throw Failure(file.host + " was left as it is.");
 }
 
-ImportPlan planOf(const Session& session, ImportRequest request, Notes& notes) {
+ImportPlan planOf(Session& session, ImportRequest request, Notes& notes) {
   const Registry& registry = session.registry();
   std::string target = chosenTarget(registry, request.target);
-  ProjectParts parts =
-      request.database.empty() ? partsOfTree(request, notes) : partsOfDatabase(request, registry, notes);
+  ProjectParts parts = request.database.empty() ? partsOfTree(request, session.host(), notes)
+                                                : partsOfDatabase(request, registry, session.host(), notes);
   target = chosenTarget(registry, request.target);
   parts.name = fs::path(request.project.host).stem().string();
   const std::string options = parts.link.options;
@@ -135,10 +136,10 @@ ExitCode import(const Invocation& invocation) {
     OpenProject project = OpenProject::create(session, request.project, plan.name);
     makePlanned(project, plan);
     project.save();
-    if (!request.quiet) showMade(session.output(), plan, request.project);
+    if (!invocation.options().quiet) showMade(session.output(), plan, request.project);
   }
-  if (!request.quiet) {
-    for (const std::string& line : notes.lines()) complain(line);
+  if (!invocation.options().quiet) {
+    for (const std::string& line : notes.lines()) complain(printable(line));
   }
   return session.finish();
 }

@@ -7,13 +7,16 @@
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
-#include "hosts/console/merge/merge_projects.h"
-#include "hosts/console/merge/merge_values.h"
 #include "hosts/console/services/json_lines.h"
 #include "hosts/console/session/session.h"
-#include "hosts/console/text/project_records.h"
+#include "workbench/base/failure.h"
+#include "workbench/merge/merge_projects.h"
+#include "workbench/merge/merge_values.h"
+#include "workbench/text/project_records.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -36,7 +39,7 @@ void requireDistinctIds(const std::string& name, const RecordNode& project) {
 RecordNode readSide(const std::string& path) {
   const ProjectFile file = existingProjectFile(path, FileNames::Any);
   ProjectRecords records = readRecords(file);
-  if (complainOfDamage(file.host, records))
+  if (complainOfAll(damageIn(file.host, records)))
     throw Failure(file.host +
                   " is damaged. Nothing was merged: take one of the sides as it is, or mend the file.");
   requireDistinctIds(file.host, records.records);

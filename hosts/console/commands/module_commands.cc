@@ -6,8 +6,12 @@
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/standard_output.h"
 #include "hosts/console/session/history_report.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

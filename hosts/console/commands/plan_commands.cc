@@ -3,8 +3,11 @@
 #include "hosts/console/commands/command.h"
 #include "hosts/console/plan/status.h"
 #include "hosts/console/plan/why.h"
+#include "hosts/console/session/session.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -13,13 +16,13 @@ using Kind = Parameter::Kind;
 ExitCode why(const Invocation& invocation) {
   Session session(invocation.options());
   OpenProject project(session);
-  return explain(project, invocation.text("NAME"));
+  return explain(session, project, invocation.text("NAME"));
 }
 
 ExitCode status(const Invocation& invocation) {
   Session session(invocation.options());
   OpenProject project(session);
-  return showStatus(project);
+  return showStatus(session, project);
 }
 
 constexpr std::array kCommands{

@@ -5,9 +5,13 @@
 #include <filesystem>
 
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/open_project.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

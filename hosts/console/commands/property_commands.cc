@@ -3,12 +3,16 @@
 #include <nlohmann/json.hpp>
 
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/component_properties.h"
-#include "hosts/console/project/configurations.h"
-#include "hosts/console/project/open_project.h"
 #include "hosts/console/services/json_lines.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/project/component_properties.h"
+#include "workbench/project/configurations.h"
+#include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -7,17 +7,19 @@
 
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
+#include "hosts/console/services/standard_input.h"
 #include "hosts/console/session/session.h"
-#include "hosts/console/text/json_reader.h"
-#include "hosts/console/text/project_records.h"
+#include "workbench/base/failure.h"
+#include "workbench/text/json_reader.h"
+#include "workbench/text/project_records.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
 using Kind = Parameter::Kind;
-
-constexpr const char* kStandardStream = "-";
 
 bool isTaken(const std::string& path) {
   struct stat status {};
@@ -29,17 +31,14 @@ bool mayReplace(Session& session, const ProjectFile& file) {
   if (!isTaken(file.host)) return false;
   if (std::error_code error; std::filesystem::is_directory(file.host, error))
     throw Failure(file.host + " is a directory. Name the file to make in it.");
-  MessageAnswer answer = MessageAnswer::No;
-  check(session.host().frame().ShowMessage(BString::fromNarrow(file.host + " exists already. Replace it?"),
-                                           u"Restore", MessageButtons::YesNo, MessageIcon::Exclamation,
-                                           &answer));
-  if (answer != MessageAnswer::Yes) throw Failure(file.host + " was left as it is.");
+  if (!session.host().agrees("Restore", file.host + " exists already. Replace it?"))
+    throw Failure(file.host + " was left as it is.");
   return true;
 }
 
 ReadJson readSource(const std::string& path, const std::string& name) {
   try {
-    return readJson(readWhole(path));
+    return readJson(path == kStandardStream ? readStandardInput() : readWhole(path));
   } catch (const JsonFault& fault) {
     std::string what = fault.what();
     throw Failure(name + ", " + what + (what.ends_with('.') || what.ends_with('?') ? "" : "."));

@@ -3,17 +3,20 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 
-#include "hosts/console/base/nearest.h"
-#include "hosts/console/base/program_paths.h"
 #include "hosts/console/base/report.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/json_lines.h"
 #include "hosts/console/services/standard_output.h"
-#include "hosts/console/session/first_start.h"
 #include "hosts/console/session/session.h"
-#include "hosts/console/session/targets.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
+#include "workbench/base/program_paths.h"
+#include "workbench/session/first_start.h"
+#include "workbench/session/targets.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

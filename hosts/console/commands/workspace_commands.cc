@@ -5,11 +5,15 @@
 #include <nlohmann/json.hpp>
 
 #include "hosts/console/commands/command.h"
-#include "hosts/console/project/open_project.h"
-#include "hosts/console/project/workspace.h"
 #include "hosts/console/services/json_lines.h"
+#include "hosts/console/session/session.h"
+#include "workbench/base/failure.h"
+#include "workbench/project/open_project.h"
+#include "workbench/project/workspace.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -1,14 +1,16 @@
 #include <array>
 #include <filesystem>
 
-#include "hosts/console/base/failure.h"
-#include "hosts/console/base/program_paths.h"
 #include "hosts/console/doctor/checks.h"
 #include "hosts/console/doctor/program_version.h"
-#include "hosts/console/session/first_start.h"
-#include "hosts/console/session/module.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/program_paths.h"
+#include "workbench/session/first_start.h"
+#include "workbench/session/module.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -3,15 +3,17 @@
 #include <cerrno>
 #include <filesystem>
 
-#include "hosts/console/base/failure.h"
-#include "hosts/console/base/lock_holder.h"
 #include "hosts/console/doctor/checks.h"
-#include "hosts/console/session/first_start.h"
-#include "hosts/console/session/module.h"
 #include "platform/registry/registry_line.h"
 #include "platform/registry/registry_paths.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/lock_holder.h"
+#include "workbench/session/first_start.h"
+#include "workbench/session/module.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

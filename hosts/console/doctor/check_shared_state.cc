@@ -6,14 +6,16 @@
 #include <filesystem>
 #include <system_error>
 
-#include "hosts/console/base/failure.h"
-#include "hosts/console/base/lock_holder.h"
 #include "hosts/console/doctor/checks.h"
-#include "hosts/console/project/project_file.h"
-#include "hosts/console/services/workspace_file.h"
 #include "platform/threads/runtime_directory.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/lock_holder.h"
+#include "workbench/project/project_file.h"
+#include "workbench/project/workspace_file.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -1,14 +1,16 @@
 #include <set>
 
-#include "hosts/console/base/nearest.h"
-#include "hosts/console/base/program_paths.h"
 #include "hosts/console/doctor/checks.h"
 #include "hosts/console/doctor/debian_packages.h"
 #include "hosts/console/doctor/program_version.h"
-#include "hosts/console/session/first_start.h"
-#include "hosts/console/session/targets.h"
+#include "workbench/base/nearest.h"
+#include "workbench/base/program_paths.h"
+#include "workbench/session/first_start.h"
+#include "workbench/session/targets.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -1,11 +1,14 @@
 #include "hosts/console/plan/dry_run.h"
 
-#include "hosts/console/plan/build_plan.h"
 #include "hosts/console/plan/plan_json.h"
-#include "hosts/console/project/project_paths.h"
+#include "hosts/console/session/session.h"
 #include "platform/files/file_system.h"
+#include "workbench/plan/build_plan.h"
+#include "workbench/project/project_paths.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -32,9 +35,8 @@ void listDeletions(LineWriter& out, const ProjectPlan& plan, const ProjectPaths&
 
 }  // namespace
 
-ExitCode dryRun(OpenProject& project, e_task task) {
+ExitCode dryRun(Session& session, OpenProject& project, e_task task) {
   const ProjectPlan plan = planOf(project, task);
-  Session& session = project.session();
   const ProjectPaths paths(project.project());
   if (task == E_TASK_CLEAN) {
     listDeletions(session.output(), plan, paths);
@@ -43,7 +45,7 @@ ExitCode dryRun(OpenProject& project, e_task task) {
   listCommands(session, plan, paths);
   // Ahead of what follows on the other stream.
   session.output().flush();
-  tellProblems(plan);
+  complainOfAll(problemsIn(plan));
   if (plan.hasProblems()) return session.finish(ExitCode::BuildErrors);
   if (plan.needed() == 0 && !session.options().quiet)
     session.output().line(task == E_TASK_COMPILE ? std::string_view("No component takes these files.")

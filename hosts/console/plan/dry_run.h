@@ -1,13 +1,15 @@
 #pragma once
 
-#include "hosts/console/base/failure.h"
-#include "hosts/console/project/open_project.h"
+#include "hosts/console/base/exit_code.h"
 #include "typelib/builder.h"
+#include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
 
+class Session;
+
 // Lists what the task would run, a command a line, or for a clean what it would delete. ExitCode::BuildErrors
 // when a component's problems would keep it from running. Throws a Failure.
-ExitCode dryRun(OpenProject& project, e_task task);
+ExitCode dryRun(Session& session, workbench::OpenProject& project, e_task task);
 
 }  // namespace forgeyard::console

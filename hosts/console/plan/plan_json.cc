@@ -2,10 +2,12 @@
 
 #include <nlohmann/json.hpp>
 
-#include "hosts/console/plan/reasons.h"
 #include "hosts/console/services/json_lines.h"
+#include "workbench/plan/reasons.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -19,11 +21,12 @@ Json pathList(const std::vector<BString>& names, const ProjectPaths& paths) {
 
 }  // namespace
 
-void writeFolder(LineWriter& out, const FolderContents& folder, const ProjectPaths& paths) {
+void writeFolder(LineWriter& out, const FolderStatus& folder, const ProjectPaths& paths) {
   Json files = Json::array();
-  for (const ProjectSource& file : folder.files) files.push_back(paths.toUser(file.name));
-  writeObject(out, "folder",
-              {{"folder", folder.folder.name}, {"enabled", isEnabled(folder)}, {"files", std::move(files)}});
+  for (const ProjectSource& file : folder.contents.files) files.push_back(paths.toUser(file.name));
+  writeObject(
+      out, "folder",
+      {{"folder", folder.contents.folder.name}, {"enabled", folder.enabled}, {"files", std::move(files)}});
 }
 
 void writeComponent(LineWriter& out, const ComponentPlan& entry, const ProjectPaths& paths) {

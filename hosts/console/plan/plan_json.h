@@ -1,14 +1,17 @@
 #pragma once
 
-#include "hosts/console/plan/build_plan.h"
-#include "hosts/console/project/project_paths.h"
-#include "hosts/console/project/source_files.h"
+#include "hosts/console/services/line_writer.h"
+#include "workbench/plan/project_status.h"
+#include "workbench/project/project_paths.h"
 
 namespace forgeyard::console {
 
 // The objects of plans under --json; docs/output.md lists their fields.
-void writeFolder(LineWriter& out, const FolderContents& folder, const ProjectPaths& paths);
-void writeComponent(LineWriter& out, const ComponentPlan& entry, const ProjectPaths& paths);
-void writeRun(LineWriter& out, const Component& component, const PlannedRun& run, const ProjectPaths& paths);
+void writeFolder(LineWriter& out, const workbench::FolderStatus& folder,
+                 const workbench::ProjectPaths& paths);
+void writeComponent(LineWriter& out, const workbench::ComponentPlan& entry,
+                    const workbench::ProjectPaths& paths);
+void writeRun(LineWriter& out, const workbench::Component& component, const PlannedRun& run,
+              const workbench::ProjectPaths& paths);
 
 }  // namespace forgeyard::console

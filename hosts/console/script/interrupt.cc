@@ -5,9 +5,12 @@
 #include <atomic>
 #include <cerrno>
 
-#include "hosts/console/base/failure.h"
+#include "hosts/console/base/exit_code.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -1,14 +1,18 @@
 #include "hosts/console/script/library.h"
 
-#include "hosts/console/automation/late_bound.h"
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/script/script.h"
 #include "hosts/console/script/values.h"
-#include "hosts/console/session/registered_classes.h"
+#include "hosts/console/session/session.h"
 #include "platform/com/class_table.h"
 #include "platform/files/host_location.h"
+#include "workbench/automation/late_bound.h"
+#include "workbench/base/failure.h"
+#include "workbench/session/registered_classes.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

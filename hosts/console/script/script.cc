@@ -5,11 +5,13 @@
 #include <new>
 #include <utility>
 
-#include "hosts/console/base/failure.h"
 #include "hosts/console/script/library.h"
 #include "hosts/console/script/values.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "hosts/console/automation/events.h"
 #include "hosts/console/script/interrupt.h"
 #include "hosts/console/session/session.h"
+#include "workbench/automation/events.h"
 
 namespace forgeyard::console {
 

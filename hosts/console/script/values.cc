@@ -5,10 +5,13 @@
 #include <new>
 #include <string>
 
-#include "hosts/console/automation/late_bound.h"
 #include "hosts/console/script/script.h"
+#include "workbench/automation/late_bound.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

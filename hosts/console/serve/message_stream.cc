@@ -49,7 +49,8 @@ std::pair<std::size_t, std::size_t> headerEnd(std::string_view bytes) {
 }  // namespace
 
 std::string framed(std::string_view message) {
-  std::string text = std::string(kLength) + ": " + std::to_string(message.size()) + "\r\n\r\n";
+  std::string text(kLength);
+  text.append(": ").append(std::to_string(message.size())).append("\r\n\r\n");
   return text.append(message);
 }
 

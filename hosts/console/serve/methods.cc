@@ -2,15 +2,18 @@
 
 #include <array>
 
-#include "hosts/console/automation/idl.h"
-#include "hosts/console/automation/late_bound.h"
 #include "hosts/console/serve/protocol.h"
 #include "hosts/console/serve/server.h"
-#include "hosts/console/session/registered_classes.h"
 #include "platform/com/class_table.h"
 #include "platform/files/host_location.h"
+#include "workbench/automation/idl.h"
+#include "workbench/automation/late_bound.h"
+#include "workbench/base/failure.h"
+#include "workbench/session/registered_classes.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 std::span<const Server::Method> Server::methods() {
   static constexpr std::array all{

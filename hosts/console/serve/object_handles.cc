@@ -3,9 +3,11 @@
 #include <limits>
 #include <vector>
 
-#include "hosts/console/automation/late_bound.h"
+#include "workbench/automation/late_bound.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

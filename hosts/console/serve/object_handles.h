@@ -4,15 +4,15 @@
 #include <map>
 #include <nlohmann/json.hpp>
 
-#include "hosts/console/base/failure.h"
 #include "platform/com/automation.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
 
 // Parameters of a request that mean nothing here.
-class InvalidParameters : public Failure {
+class InvalidParameters : public workbench::Failure {
  public:
-  using Failure::Failure;
+  using workbench::Failure::Failure;
 };
 
 // The objects that a client has in its hands, by number, and values on their way to it and back. An object

@@ -9,8 +9,11 @@
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/build/tool_processes.h"
 #include "hosts/console/serve/protocol.h"
+#include "workbench/base/failure.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -8,12 +8,13 @@
 #include <string>
 #include <vector>
 
-#include "hosts/console/automation/events.h"
-#include "hosts/console/automation/late_bound.h"
+#include "hosts/console/base/exit_code.h"
 #include "hosts/console/build/stop_signals.h"
 #include "hosts/console/serve/message_stream.h"
 #include "hosts/console/serve/object_handles.h"
 #include "hosts/console/session/session.h"
+#include "workbench/automation/events.h"
+#include "workbench/automation/late_bound.h"
 
 namespace forgeyard::console {
 
@@ -82,7 +83,7 @@ class Server {
   bool runModuleCommand(const Json& parameters);
 
   IUnknown* objectIn(const Json& parameters) const;
-  FoundMember memberIn(const Json& parameters) const;
+  workbench::FoundMember memberIn(const Json& parameters) const;
   std::vector<Variant> argumentsIn(const Json& parameters) const;
 
   // The end

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "hosts/console/base/failure.h"
+#include "hosts/console/base/exit_code.h"
 #include "platform/threads/waitable.h"
 
 namespace forgeyard::console {

@@ -4,12 +4,15 @@
 #include <set>
 #include <unordered_set>
 
-#include "hosts/console/base/nearest.h"
 #include "platform/com/class_table.h"
 #include "platform/text/fold.h"
 #include "typelib/self_documenting.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

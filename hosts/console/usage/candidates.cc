@@ -3,12 +3,14 @@
 #include <algorithm>
 
 #include "hosts/console/commands/all_commands.h"
-#include "hosts/console/session/registered_classes.h"
 #include "hosts/console/usage/project_candidates.h"
 #include "platform/text/fold.h"
 #include "typelib/type_library.h"
+#include "workbench/session/registered_classes.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

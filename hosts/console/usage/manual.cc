@@ -9,6 +9,8 @@
 
 namespace forgeyard::console {
 
+using namespace workbench;
+
 namespace {
 
 using Kind = Parameter::Kind;

@@ -4,11 +4,13 @@
 #include <filesystem>
 #include <set>
 
-#include "hosts/console/project/properties.h"
-#include "hosts/console/session/targets.h"
 #include "platform/text/fold.h"
+#include "workbench/project/properties.h"
+#include "workbench/session/targets.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -6,6 +6,8 @@
 
 namespace forgeyard::console {
 
+using namespace workbench;
+
 namespace {
 
 using Kind = Parameter::Kind;

@@ -2,15 +2,18 @@
 
 #include "adapters/common/diagnostics.h"
 #include "adapters/common/whole_file.h"
-#include "hosts/console/base/nearest.h"
 #include "hosts/console/commands/command.h"
 #include "hosts/console/services/standard_output.h"
 #include "hosts/console/usage/candidates.h"
 #include "hosts/console/usage/completion_scripts.h"
 #include "hosts/console/usage/manual.h"
 #include "hosts/console/usage/shell_line.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 

@@ -12,6 +12,8 @@
 
 namespace forgeyard::console {
 
+using namespace workbench;
+
 namespace {
 
 namespace fs = std::filesystem;

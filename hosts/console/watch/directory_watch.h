@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
-#include "hosts/console/watch/file_states.h"
 #include "platform/files/descriptor.h"
 #include "platform/threads/waitable.h"
+#include "workbench/watch/file_states.h"
 
 namespace forgeyard::console {
 
@@ -15,7 +15,7 @@ namespace forgeyard::console {
 class DirectoryWatch final : public Waitable {
  public:
   // Watches from now on. Throws nothing: what can't be watched isn't, see isComplete().
-  explicit DirectoryWatch(const FileStates::Paths& files);
+  explicit DirectoryWatch(const workbench::FileStates::Paths& files);
 
   // -1 if the system gives no watches at all.
   int descriptor() const noexcept override { return events_.get(); }

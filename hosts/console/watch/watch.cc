@@ -5,18 +5,22 @@
 #include <utility>
 
 #include "hosts/console/base/report.h"
-#include "hosts/console/base/words.h"
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/build/stop_signals.h"
-#include "hosts/console/project/workspace.h"
 #include "hosts/console/services/standard_output.h"
+#include "hosts/console/session/session.h"
 #include "hosts/console/watch/closed_output.h"
 #include "hosts/console/watch/directory_watch.h"
-#include "hosts/console/watch/file_states.h"
-#include "hosts/console/watch/rewritten_files.h"
-#include "hosts/console/watch/watched_files.h"
+#include "workbench/base/failure.h"
+#include "workbench/base/words.h"
+#include "workbench/project/workspace.h"
+#include "workbench/watch/file_states.h"
+#include "workbench/watch/rewritten_files.h"
+#include "workbench/watch/watched_files.h"
 
 namespace forgeyard::console {
+
+using namespace workbench;
 
 namespace {
 
@@ -66,7 +70,7 @@ class Watcher {
   // False when the project can't be opened now.
   bool round();
   bool tryRound();
-  void build(OpenProject& project, const Look& start);
+  void build(Session& session, OpenProject& project, const Look& start);
   bool projectHasChanged() const;
   bool hasChanged() const;
   bool changedMeanwhile();
@@ -93,13 +97,13 @@ class Watcher {
   ExitCode result_ = ExitCode::Success;
 };
 
-void Watcher::build(OpenProject& project, const Look& start) {
+void Watcher::build(Session& session, OpenProject& project, const Look& start) {
   ProjectPlan plan = planOf(project, E_TASK_BUILD);
   paths_ = watchedFiles(project, plan);
   states_ = start.extendedTo(paths_);
   result_ = ExitCode::Success;
   if (built_ && plan.needed() == 0 && !plan.hasProblems()) return;
-  result_ = runBuild(project, u"ProjectBuild");
+  result_ = runBuild(session, project, u"ProjectBuild");
   built_ = true;
   // A yes to building what is left of a damaged project holds for all builds.
   if (project.isIncomplete()) options_.yes = true;
@@ -130,7 +134,7 @@ bool Watcher::round() {
     return false;
   }
   lastFailure_.clear();
-  build(*project, start);
+  build(session, *project, start);
   return true;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hosts/console/base/failure.h"
+#include "hosts/console/base/exit_code.h"
 #include "hosts/console/base/options.h"
 
 namespace forgeyard::console {
