@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <map>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "typelib/record_tree.h"
@@ -15,6 +16,9 @@ struct MergeConflict {
   std::string base;
   std::string ours;
   std::string theirs;
+  // Of a conflict over a connection: the components' ids, for which their names are put into `where` at the
+  // end.
+  std::optional<std::pair<std::int64_t, std::int64_t>> connection{};
 };
 
 // What a merge has to say: conflicts, and what it has decided by itself.

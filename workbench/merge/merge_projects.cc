@@ -63,10 +63,8 @@ class Assembly {
   void dropConnections() {
     RecordNode* connections = project_.find("connections");
     List kept;
-    std::vector<RecordNode> added;
     const List& ours = itemsOf(sides_.ours, "connections");
     std::set<std::string> dropped;
-    List ordered;
     for (const bool fromTheirs : {false, true}) {
       for (const RecordNode& one : *connections->get<List>()) {
         const bool isOurs = std::any_of(ours.begin(), ours.end(), [&](const RecordNode& other) {
@@ -76,7 +74,7 @@ class Assembly {
         if (fromTheirs && leads(kept, numberOf(one, "to"), numberOf(one, "from"))) {
           dropped.insert(keyOf("connections", one));
           log_.conflicts.push_back(
-              {labelOf("connections", one), "(none)", "it would close a circle", "(added)"});
+              {labelOf("connections", one), "(none)", "it would close a circle", "(added)", endsOf(one)});
         } else {
           kept.push_back(one);
         }
@@ -190,21 +188,14 @@ class Assembly {
   // Ids mean nothing to people.
   void nameComponentsInLog() {
     for (MergeConflict& conflict : log_.conflicts) {
-      if (conflict.where.starts_with("connection ")) conflict.where = connectionName(conflict.where);
+      if (const auto& ends = conflict.connection)
+        conflict.where = "connection from " + nameOf(ends->first) + " to " + nameOf(ends->second);
       if (!conflict.where.ends_with(", folder")) continue;
       for (std::string* value : {&conflict.base, &conflict.ours, &conflict.theirs}) {
         if (!value->empty() && value->find_first_not_of("0123456789") == std::string::npos)
           *value = nameOf(std::stoll(*value));
       }
     }
-  }
-
-  // "connection 3 5 "
-  std::string connectionName(const std::string& where) const {
-    std::size_t end = 0;
-    const std::string ids = where.substr(where.find(' ') + 1);
-    const std::int64_t from = std::stoll(ids, &end);
-    return "connection from " + nameOf(from) + " to " + nameOf(std::stoll(ids.substr(end)));
   }
 
   RecordNode& project_;

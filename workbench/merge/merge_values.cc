@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <optional>
 
 #include "workbench/merge/merged_order.h"
@@ -112,8 +113,11 @@ class ListMerger {
   List merged() {
     List result;
     for (const std::string& key : order_) {
-      if (std::optional<RecordNode> item = mergedItem({at(base_, key), at(ours_, key), at(theirs_, key)}))
-        result.push_back(std::move(*item));
+      const Sides sides{at(base_, key), at(ours_, key), at(theirs_, key)};
+      const std::size_t before = log_.conflicts.size();
+      std::optional<RecordNode> item = mergedItem(sides);
+      if (name_ == "connections") nameEnds(sides.ours ? *sides.ours : *sides.theirs, before);
+      if (item) result.push_back(std::move(*item));
     }
     return result;
   }
@@ -128,6 +132,12 @@ class ListMerger {
   static const RecordNode* at(const Index& index, const std::string& key) {
     const auto found = index.find(key);
     return found == index.end() ? nullptr : found->second;
+  }
+
+  // In the conflicts over a connection from that one on.
+  void nameEnds(const RecordNode& connection, std::size_t from) {
+    for (std::size_t at = from; at < log_.conflicts.size(); ++at)
+      log_.conflicts[at].connection = endsOf(connection);
   }
 
   std::optional<RecordNode> mergedItem(const Sides& sides) {
@@ -260,9 +270,13 @@ std::string labelOf(std::string_view list, const RecordNode& item) {
   if (list == "cookies") return "cookie " + keyOf(list, item);
   const RecordList* kind = item.get<Fields>() ? recordList(list) : nullptr;
   if (!kind) return std::string(list) + " " + valueAsJson(item);
-  if (kind->shown.empty()) return std::string(kind->label) + " " + keyOf(list, item);
+  if (kind->shown.empty()) return kind->label;
   const RecordNode* name = item.find(kind->shown);
   return std::string(kind->label) + " " + (name ? valueAsJson(*name) : keyOf(list, item));
+}
+
+std::pair<std::int64_t, std::int64_t> endsOf(const RecordNode& connection) {
+  return {numberOf(connection, "from"), numberOf(connection, "to")};
 }
 
 std::string textOf(const RecordNode& node, std::string_view field) {

@@ -18,8 +18,12 @@ RecordNode mergedValue(std::string_view name, const Sides& sides, const std::str
 
 // Fields whose lists of records have keys of their own, for the walks over whole projects.
 std::string keyOf(std::string_view list, const RecordNode& item);
-// "component \"cc\"": what the item of such a list is called.
+// "component \"cc\"": what the item of such a list is called; "connection" for one of those, which have no
+// name.
 std::string labelOf(std::string_view list, const RecordNode& item);
+
+// The ids of the components that a connection leads from and to.
+std::pair<std::int64_t, std::int64_t> endsOf(const RecordNode& connection);
 
 // A text field's value; empty if there is none.
 std::string textOf(const RecordNode& node, std::string_view field);

@@ -57,8 +57,8 @@ class Components {
   void tellNewConnections(const RecordNode& project, std::int64_t id, const std::string& name) {
     for (const RecordNode& connection : itemsOf(project, "connections")) {
       if (touches(connection, id) && isNewConnection(connection))
-        log_.conflicts.push_back(
-            {labelOf("connections", connection), "(none)", name + " is removed", "(added)"});
+        log_.conflicts.push_back({labelOf("connections", connection), "(none)", name + " is removed",
+                                  "(added)", endsOf(connection)});
     }
   }
 
