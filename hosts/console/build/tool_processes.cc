@@ -28,6 +28,13 @@ std::vector<pid_t> childrenOf(pid_t process) {
 
 }  // namespace
 
+// The parent is stopped first, so that it starts nothing more meanwhile.
+void killWithChildren(pid_t process) {
+  ::kill(process, SIGSTOP);
+  for (const pid_t child : childrenOf(process)) killWithChildren(child);
+  ::kill(process, SIGKILL);
+}
+
 void killTools() {
   for (const pid_t spawner : childrenOf(::getpid())) {
     for (const pid_t tool : childrenOf(spawner)) {

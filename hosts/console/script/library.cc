@@ -1,7 +1,11 @@
 #include "hosts/console/script/library.h"
 
+#include <cerrno>
+#include <cstdio>
+
 #include "hosts/console/build/build_run.h"
 #include "hosts/console/script/script.h"
+#include "hosts/console/script/shell_command.h"
 #include "hosts/console/script/values.h"
 #include "hosts/console/session/session.h"
 #include "platform/com/class_table.h"
@@ -126,6 +130,49 @@ int exitScript(lua_State* lua) {
   return luaL_error(lua, "os.exit");
 }
 
+// os.execute: as Lua's own, but the user's wish to stop ends the command with all that it has started.
+int execute(lua_State* lua) {
+  if (lua_isnoneornil(lua, 1)) {
+    lua_pushboolean(lua, 1);
+    return 1;
+  }
+  const char* command = luaL_checkstring(lua, 1);
+  const Interrupt::Handled handled;
+  std::fflush(stdout);
+  const ShellCommand shell(command);
+  if (!shell) return luaL_fileresult(lua, 0, nullptr);
+  while (!shell.waitInterrupted()) {
+    if (!sessionOf(lua).isInterrupted()) continue;
+    shell.killAll();
+    Script::of(lua).stop();
+    return luaL_error(lua, "stopped");
+  }
+  errno = 0;
+  return luaL_execresult(lua, shell.status());
+}
+
+// Bytecode isn't checked when it is loaded and may do anything to this process, so that all loaders take
+// texts alone.
+constexpr const char* kTextsAlone = R"LUA(
+local load, loadfile = load, loadfile
+function _G.load(chunk, name, mode, ...) return load(chunk, name, "t", ...) end
+function _G.loadfile(file, mode, ...) return loadfile(file, "t", ...) end
+function _G.dofile(file)
+  local chunk, why = loadfile(file, "t")
+  if not chunk then error(why, 0) end
+  return chunk()
+end
+package.searchers[2] = function(name)
+  local path, missing = package.searchpath(name, package.path)
+  if not path then return missing end
+  local chunk, why = loadfile(path, "t")
+  if not chunk then
+    error(("error loading module '%s' from file '%s':\n\t%s"):format(name, path, why), 0)
+  end
+  return chunk, path
+end
+)LUA";
+
 }  // namespace
 
 void openLibrary(lua_State* lua) {
@@ -146,7 +193,10 @@ void openLibrary(lua_State* lua) {
   lua_getglobal(lua, "os");
   lua_pushcfunction(lua, exitScript);
   lua_setfield(lua, -2, "exit");
+  lua_pushcfunction(lua, guarded<execute>);
+  lua_setfield(lua, -2, "execute");
   lua_pop(lua, 1);
+  if (luaL_dostring(lua, kTextsAlone) != LUA_OK) lua_error(lua);
 }
 
 }  // namespace forgeyard::console

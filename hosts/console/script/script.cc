@@ -131,7 +131,7 @@ int Script::resultOf(lua_State* lua) {
 
 int Script::run(const std::string& file, const std::vector<std::string>& arguments) {
   const bool fromInput = file == "-";
-  if (luaL_loadfile(lua_, fromInput ? nullptr : file.c_str()) != LUA_OK) throw Failure(takeError(lua_));
+  if (luaL_loadfilex(lua_, fromInput ? nullptr : file.c_str(), "t") != LUA_OK) throw Failure(takeError(lua_));
   lua_createtable(lua_, static_cast<int>(arguments.size()), 1);
   lua_pushstring(lua_, file.c_str());
   lua_rawseti(lua_, -2, 0);

@@ -73,6 +73,7 @@ class Script {
 
 template <class Body>
 void Script::call(lua_State* lua, Body&& body) {
+  const Interrupt::Handled handled;
   lua_State* outer = calling_;
   enter(lua);
   try {

@@ -212,6 +212,40 @@ TEST_F(ScriptCommand, CtrlCEndsEndlessLoops) {
   }
 }
 
+// Where no instruction of the script is reached any more: in a pattern, in a finalizer, in another program.
+TEST_F(ScriptCommand, CtrlCEndsWhatRunsNoInstructions) {
+  for (const std::string work :
+       {"local _ = (('a'):rep(5000)):find(('a-'):rep(50) .. 'b')",
+        "setmetatable({}, {__gc = function() while true do end end}) collectgarbage()",
+        "os.execute('trap \"\" INT; sleep 1000 & echo $! > child; wait')"}) {
+    put("s.lua", "print('up') io.stdout:flush()\n" + work);
+    RunningProgram program(start({"script", "s.lua"}));
+    ASSERT_TRUE(program.waitForOutput("up\n"));
+    if (work.starts_with("os")) waitForFile("child");
+    program.interrupt();
+    EXPECT_EQ(program.finish().exitCode, 130) << work;
+  }
+  EXPECT_TRUE(becomesQuiet());
+}
+
+TEST_F(ScriptCommand, LoadsNoBytecode) {
+  EXPECT_EQ(run("local f = assert(io.open('b.lua', 'wb')) f:write(string.dump(function() print('ran') end)) "
+                "f:close()")
+                .exitCode,
+            0);
+  const Outcome direct = forgeyard({"script", "b.lua"});
+  EXPECT_EQ(direct.exitCode, 2);
+  EXPECT_THAT(direct.errors, HasSubstr("attempt to load a binary chunk"));
+  for (const std::string call :
+       {"load(string.dump(function() print('ran') end), 'x', 'b')", "loadfile('b.lua', 'b')",
+        "select(2, pcall(dofile, 'b.lua'))", "select(2, pcall(require, 'b'))"}) {
+    const Outcome outcome = run("print(" + call + ")");
+    EXPECT_THAT(outcome.output, HasSubstr("attempt to load a binary chunk")) << call;
+  }
+  EXPECT_EQ(run("print(load('return 1 + ...', 'x', 't', {})(1))").output, "2\n");
+  EXPECT_EQ(run("print(os.execute('exit 3'))").output, "nil\texit\t3\n");
+}
+
 TEST_F(ScriptCommand, CtrlCInItsBuildStopsBoth) {
   makeToolProject({"a.in"}, scriptedTool() + " pid running hang");
   put("s.lua", "forgeyard.run('ProjectBuild')\nprint('still here')");
