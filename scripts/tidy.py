@@ -51,13 +51,14 @@ class Source:
         self.flags = [*self._without_outputs(words[1:], entry["file"]), "-Wno-unknown-warning-option"]
         self.compiler = words[0]
 
+    # Nor precompiled headers, which are another compiler's too: each source has to include what it needs.
     @staticmethod
     def _without_outputs(words, file):
         kept, skip = [], False
         for word in words:
-            if skip or word in ("-c", "-MD", file):
+            if skip or word in ("-c", "-MD", "-Winvalid-pch", file):
                 skip = False
-            elif word in ("-o", "-MT", "-MF"):
+            elif word in ("-o", "-MT", "-MF", "-include"):
                 skip = True
             else:
                 kept.append(word)
