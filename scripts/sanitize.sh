@@ -21,6 +21,7 @@ cmake --build "build/$kind" -j "$jobs" --target "${targets[@]}"
 
 own_environment "$project_root/build/$kind-home"
 export ASAN_OPTIONS=detect_leaks=1:strict_string_checks=1:detect_stack_use_after_return=1
+export LSAN_OPTIONS=suppressions=$project_root/scripts/leaks.supp:print_suppressions=0
 export UBSAN_OPTIONS=print_stacktrace=1
 export TSAN_OPTIONS=second_deadlock_stack=1
 exec ctest --test-dir "build/$kind" -j "$jobs" --output-on-failure --no-tests=error \

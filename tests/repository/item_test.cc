@@ -151,7 +151,8 @@ TEST_P(Item, BatchAnswersAsSingleQuestionsDo) {
   const Ref<IVSSDatabase> ann = open("ann");
   Ref<IVSSItem> folder;
   ASSERT_EQ(item(*ann, u"$\\")->NewSubproject(u"sub dir", u"", &folder), S_OK);
-  ASSERT_EQ(folder->NewSubproject(u"x", u"", &folder), S_OK);
+  Ref<IVSSItem> inner;
+  ASSERT_EQ(folder->NewSubproject(u"x", u"", &inner), S_OK);
   std::vector<BString> specs;
   for (int i = 0; i < 20; ++i) {
     const std::string name = "f" + std::to_string(i) + ".c";
