@@ -24,8 +24,8 @@ from mutants import mutants_of
 from mutation_tree import Timeout, Tree, adopt_orphans, end_children
 
 ROOT = Path(__file__).resolve().parent.parent
-PRODUCT = ["adapters", "engine", "hosts", "model", "platform", "plugin", "sourcecontrol", "spawner", "tools", "typelib",
-           "ui", "workbench"]
+PRODUCT = ["adapters", "engine", "hosts", "model", "platform", "plugin", "repository", "sourcecontrol", "spawner", "tools",
+           "typelib", "ui", "workbench"]
 INCLUDE = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
 # Of the time that a test program takes without mutants, what it may take with one.
 SLOWER = 4
@@ -33,6 +33,10 @@ SLACK_S = 30
 
 # How a mutant ended: "caught", "survived" or "uncompiled", and by what.
 Result = namedtuple("Result", "outcome by")
+
+
+class Usage(Exception):
+    """What is asked for doesn't exist."""
 
 
 class Progress:
@@ -53,9 +57,12 @@ class Progress:
 class Concerned:
     """Which test programs a file of the product is part of, by ninja's graph: linked in, or started by the tests."""
 
-    def __init__(self, tree):
+    def __init__(self, tree, wanted):
         self.inputs = {}  # of a test program, the sources that go into it
-        for program in tree.test_programs():
+        programs = tree.test_programs()
+        if unknown := set(wanted or []) - set(programs):
+            raise Usage(f"there is no test program '{min(unknown)}'; there are {', '.join(programs)}")
+        for program in wanted or programs:
             names = tree.ninja_tool("inputs", f"bin/{program}").splitlines()
             self.inputs[program] = {tree.relative(name) for name in names if name.endswith(".cc")}
         self.includers = {}  # of a header, the files that name it
@@ -85,7 +92,7 @@ def product_files(tree, paths):
     files = []
     for path in wanted:
         if path.split("/")[0] not in PRODUCT or not (tree.place / path).exists():
-            raise SystemExit(f"mutate: '{path}' is no file or folder of the product")
+            raise Usage(f"'{path}' is no file or folder of the product")
         place = tree.place / path
         found = [place] if place.is_file() else [*place.rglob("*.cc"), *place.rglob("*.h")]
         files += [str(file.relative_to(tree.place)) for file in found]
@@ -207,11 +214,13 @@ def arguments():
                                      epilog=__doc__.split("\n\n")[1])
     parser.add_argument("--seed", type=int, help="draw the same mutants as the run that printed this number")
     parser.add_argument("--list", action="store_true", help="print the mutants that would be tried, and try none")
+    parser.add_argument("--tests", metavar="PROGRAM[,...]", help="run these test programs alone, where they are concerned")
     parser.add_argument("words", nargs="*", metavar="[COUNT] [PATH...]", help="how many mutants, and where")
     options = parser.parse_args()
     numbers = [word for word in options.words[:1] if re.fullmatch(r"[1-9]\d*", word)]
     options.count = int(numbers[0]) if numbers else 20
     options.paths = options.words[len(numbers):]
+    options.tests = options.tests.split(",") if options.tests else None
     options.seed = secrets.randbelow(10**6) if options.seed is None else options.seed
     return options
 
@@ -232,7 +241,7 @@ def main():
     adopt_orphans()
     progress.show("configuring the copy")
     tree.configure()
-    run = Run(tree, Concerned(tree), Measured(tree, digest), options.count, progress)
+    run = Run(tree, Concerned(tree, options.tests), Measured(tree, digest), options.count, progress)
     try:
         run.run(mutants)
     finally:
@@ -246,11 +255,9 @@ if __name__ == "__main__":
     signal.signal(signal.SIGTERM, signal.default_int_handler)
     try:
         sys.exit(main())
+    except Usage as wrong:
+        print(f"mutate: {wrong}", file=sys.stderr)
+        sys.exit(2)
     except KeyboardInterrupt:
         end_children()
         sys.exit(130)
-    except SystemExit as end:
-        if isinstance(end.code, str):
-            print(end.code, file=sys.stderr)
-            sys.exit(2 if "is no file or folder" in end.code else 1)
-        raise
