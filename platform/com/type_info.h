@@ -33,6 +33,12 @@ struct Thunk {
   explicit operator bool() const { return call != nullptr; }
 };
 
+// A value that a property can have, and what it means.
+struct Choice {
+  std::int32_t value;
+  const char* name;
+};
+
 struct Member {
   std::int32_t id;
   const char* name;
@@ -41,6 +47,7 @@ struct Member {
   Thunk get;
   Thunk put;
   Thunk method;
+  std::span<const Choice> choices = {};  // of a property that is a choice among a few
 };
 
 struct TypeInfo {

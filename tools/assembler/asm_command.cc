@@ -4,7 +4,7 @@
 
 #include "tools/settings/file_fields.h"
 #include "tools/settings/option_list.h"
-#include "tools/settings/settings_object.h"
+#include "tools/settings/value_of.h"
 
 namespace forgeyard {
 

@@ -5,19 +5,15 @@
 
 namespace forgeyard {
 
-#define FORGEYARD_CMD_LINE_SETTINGS(PROPERTY) \
-  PROPERTY(Flag, RunOnce, 0u, 2)              \
-  PROPERTY(Text, FileSeparator, u"", 1)
-
 // The settings of a command line in one configuration.
 class CmdLineSettings final : public SettingsObject<CmdLineSettings, ICmdLineSettings> {
  public:
-  static const SettingsTable& table();
-  FORGEYARD_SETTINGS(FORGEYARD_CMD_LINE_SETTINGS)
+  static constexpr SettingsLayout kLayout{CommonDefaults{.input = u"", .output = u"", .commandOutDir = u""},
+                                          SettingsRows<ICmdLineSettings>::kRows};
+  static constexpr SettingsTable kTable = kLayout.table(CLSID_CmdLineSettings, false, false);
+
+#define FORGEYARD_SETTING FORGEYARD_SETTING_ACCESSORS
+#include "typelib/settings/command_line.inc"
 };
-
-FORGEYARD_SETTINGS_TABLE(CmdLineSettings, FORGEYARD_CMD_LINE_SETTINGS, u"", u"", u"", false, false)
-
-#undef FORGEYARD_CMD_LINE_SETTINGS
 
 }  // namespace forgeyard

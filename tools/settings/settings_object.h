@@ -7,78 +7,31 @@
 #include "platform/com/type_info.h"
 #include "platform/storage/records/persist.h"
 #include "tools/settings/settings_values.h"
+#include "tools/settings/value_of.h"
 #include "typelib/settings.h"
 
 namespace forgeyard {
 
-// How the values of each type pass through an interface.
-template <SettingsProperty::Type>
-struct SettingsParameter {
-  using Out = std::uint32_t;
-  using In = std::uint32_t;
-};
-template <>
-struct SettingsParameter<SettingsProperty::Type::Flag> {
-  using Out = std::int32_t;
-  using In = std::int32_t;
-};
-template <>
-struct SettingsParameter<SettingsProperty::Type::Text> {
-  using Out = BString;
-  using In = const BString&;
-};
-
-// What a class makes of its list of properties, which is a macro that calls PROPERTY(type, name, default,
-// place) for each in the order of the interface; the place is that in the class's block of the record.
-#define FORGEYARD_SETTINGS_ROW(kind, property, initial, place) \
-  SettingsProperty(SettingsProperty::Type::kind, u"" #property, initial, place),
-#define FORGEYARD_SETTINGS_INDEX(kind, property, initial, place) property,
-#define FORGEYARD_SETTINGS_ACCESSORS(kind, property, ...)                                        \
-  HRESULT get_##property(SettingsParameter<SettingsProperty::Type::kind>::Out* value) override { \
-    return this->get(Property::property, value);                                                 \
-  }                                                                                              \
-  HRESULT put_##property(SettingsParameter<SettingsProperty::Type::kind>::In value) override {   \
-    return this->put(Property::property, value);                                                 \
+// What FORGEYARD_SETTING can be defined as in a settings class: the two operations of a property.
+#define FORGEYARD_SETTING_ACCESSORS(TYPE, NAME, ...)                                        \
+  HRESULT get_##NAME(SettingParameter<SettingsProperty::Type::TYPE>::Out* value) override { \
+    return this->get(SettingsObject::settingAt(#NAME), value);                              \
+  }                                                                                         \
+  HRESULT put_##NAME(SettingParameter<SettingsProperty::Type::TYPE>::In value) override {   \
+    return this->put(SettingsObject::settingAt(#NAME), value);                              \
   }
 
-// In the public part of a settings class: its properties.
-#define FORGEYARD_SETTINGS(PROPERTIES)   \
-  enum class Property : std::size_t {    \
-    LastCommon = kCommonSettings - 1,    \
-    PROPERTIES(FORGEYARD_SETTINGS_INDEX) \
-  };                                     \
-  PROPERTIES(FORGEYARD_SETTINGS_ACCESSORS)
-
-// Behind it: the table of its properties, and its record.
-#define FORGEYARD_SETTINGS_TABLE(Class, PROPERTIES, input, output, commandOutDir, closingVersion,           \
-                                 commandIsGenerated)                                                        \
-  inline const SettingsTable& Class::table() {                                                              \
-    static constexpr SettingsLayout layout(                                                                 \
-        CommonDefaults{input, output, commandOutDir},                                                       \
-        std::to_array<SettingsProperty>({PROPERTIES(FORGEYARD_SETTINGS_ROW)}));                             \
-    static constexpr SettingsTable table = layout.table(CLSID_##Class, closingVersion, commandIsGenerated); \
-    return table;                                                                                           \
-  }
-
-// The settings of a tool component in one configuration. Class gives table(), Interface is what it offers.
+// The settings of a tool component in one configuration. Class gives its layout and kTable, Interface is what
+// it offers.
 template <class Class, class Interface>
 class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettingsValues, IRecord> {
  public:
   using SettingsInterface = Interface;
 
   // IBuilderSettings
-  HRESULT get_Input(BString* value) override { return get(CommonSetting::Input, value); }
-  HRESULT put_Input(const BString& value) override { return put(CommonSetting::Input, value); }
-  HRESULT get_Output(BString* value) override { return get(CommonSetting::Output, value); }
-  HRESULT put_Output(const BString& value) override { return put(CommonSetting::Output, value); }
-  HRESULT get_Command(BString* value) override { return get(CommonSetting::Command, value); }
-  HRESULT put_Command(const BString& value) override { return put(CommonSetting::Command, value); }
-  HRESULT get_CommandOutDir(BString* value) override { return get(CommonSetting::CommandOutDir, value); }
-  HRESULT put_CommandOutDir(const BString& value) override {
-    return put(CommonSetting::CommandOutDir, value);
-  }
-  HRESULT get_BuildDirty(std::int32_t* value) override { return get(CommonSetting::BuildDirty, value); }
-  HRESULT put_BuildDirty(std::int32_t value) override { return put(CommonSetting::BuildDirty, value); }
+#define FORGEYARD_SETTING FORGEYARD_SETTING_ACCESSORS
+#include "typelib/settings/builder.inc"
+
   HRESULT get_Clone(Ref<IBuilderSettings>* out) override {
     return guard([&] {
       const Ref<Class> clone = make<Class>();
@@ -99,7 +52,9 @@ class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettin
     *out = values_.table().clsid;
     return S_OK;
   }
-  HRESULT IsDirty() override { return values_.changed() ? S_OK : S_FALSE; }
+  HRESULT IsDirty() override {
+    return values_.changed() ? S_OK : S_FALSE;
+  }
   HRESULT Load(IStream* stream) override {
     return guard([&] { values_.load(stream); });
   }
@@ -111,41 +66,41 @@ class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettin
   }
 
   // IRecord
-  void describe(RecordFields& fields) override { values_.describe(fields); }
+  void describe(RecordFields& fields) override {
+    values_.describe(fields);
+  }
 
   // ISettingsValues
-  const SettingsValues& settingsValues() const override { return values_; }
+  const SettingsValues& settingsValues() const override {
+    return values_;
+  }
 
  protected:
-  template <class Property, class Value>
-  HRESULT get(Property property, Value* value) {
+  // The position of a property of the class.
+  static consteval std::size_t settingAt(std::string_view name) {
+    return settingIndex(Class::kLayout.properties, name);
+  }
+  template <class Value>
+  HRESULT get(std::size_t property, Value* value) {
     if constexpr (std::is_same_v<Value, BString>) {
-      *value = values_.text(static_cast<std::size_t>(property));
+      *value = values_.text(property);
     } else {
-      *value = static_cast<Value>(values_.number(static_cast<std::size_t>(property)));
+      *value = static_cast<Value>(values_.number(property));
     }
     return S_OK;
   }
-  template <class Property, class Value>
-  HRESULT put(Property property, const Value& value) {
+  template <class Value>
+  HRESULT put(std::size_t property, const Value& value) {
     if constexpr (std::is_same_v<Value, BString>) {
-      values_.put(static_cast<std::size_t>(property), value);
+      values_.put(property, value);
     } else {
-      values_.put(static_cast<std::size_t>(property), static_cast<std::uint32_t>(value));
+      values_.put(property, static_cast<std::uint32_t>(value));
     }
     return S_OK;
   }
 
  private:
-  SettingsValues values_{Class::table()};
+  SettingsValues values_{Class::kTable};
 };
-
-// The value of a property; throws StatusError.
-template <class Object, class Interface, class Value>
-Value valueOf(Object& object, HRESULT (Interface::*get)(Value*)) {
-  Value value{};
-  check((object.*get)(&value));
-  return value;
-}
 
 }  // namespace forgeyard

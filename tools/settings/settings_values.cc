@@ -2,11 +2,18 @@
 
 namespace forgeyard {
 
+namespace {
+
+constexpr std::size_t kCommand = commonSetting("Command");
+constexpr std::size_t kBuildDirty = commonSetting("BuildDirty");
+
+}  // namespace
+
 SettingsValues::SettingsValues(const SettingsTable& table) : table_(&table) {
   values_.reserve(table.properties.size());
   for (const SettingsProperty& property : table.properties) {
     values_.push_back(
-        {property.isText() ? BString(property.initialText) : BString(), property.initialNumber});
+        {property.isText() ? BString(property.initial.text) : BString(), property.initial.number});
   }
 }
 
@@ -25,7 +32,7 @@ void SettingsValues::put(std::size_t property, std::uint32_t number) {
 bool SettingsValues::logicallyEqual(const SettingsValues& other) const {
   if (table_ != other.table_) return false;
   for (std::size_t i = 0; i < values_.size(); ++i) {
-    if (i == static_cast<std::size_t>(CommonSetting::BuildDirty)) continue;
+    if (i == kBuildDirty) continue;
     if (values_[i] != other.values_[i]) return false;
   }
   return true;
@@ -33,9 +40,8 @@ bool SettingsValues::logicallyEqual(const SettingsValues& other) const {
 
 void SettingsValues::describe(RecordFields& fields, std::size_t property) {
   const SettingsProperty& row = table_->properties[property];
-  const bool generated =
-      property == static_cast<std::size_t>(CommonSetting::Command) && table_->commandIsGenerated;
-  if (generated || property == static_cast<std::size_t>(CommonSetting::BuildDirty)) fields.learnt();
+  const bool generated = property == kCommand && table_->commandIsGenerated;
+  if (generated || property == kBuildDirty) fields.learnt();
   Value& value = values_[property];
   if (row.isText()) {
     fields.text(row.name, value.text);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 #include "platform/text/fold.h"
 #include "workbench/base/failure.h"
@@ -70,46 +69,15 @@ std::int32_t identifierOf(IDispatch& object, const std::string& property) {
   return id;
 }
 
-std::optional<int> numberAt(std::string_view text) {
-  int number = 0;
-  const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  return error == std::errc() && stop != text.data() ? std::optional(number) : std::nullopt;
-}
-
-// "0 none, 1 standard, 2 all".
-std::vector<ValueChoice> listedChoices(std::string_view help) {
-  std::vector<ValueChoice> choices;
-  while (!help.empty()) {
-    const std::size_t end = std::min(help.find(", "), help.size());
-    const std::string_view one = help.substr(0, end);
-    const std::size_t blank = one.find(' ');
-    if (!numberAt(one) || blank == one.npos) return {};
-    choices.push_back({std::string(one.substr(0, blank)), std::string(one.substr(blank + 1))});
-    help.remove_prefix(std::min(end + 2, help.size()));
-  }
-  return choices.size() > 1 ? choices : std::vector<ValueChoice>();
-}
-
-// "0 to 3".
-std::vector<ValueChoice> choicesInRange(std::string_view help) {
-  constexpr std::string_view kTo = " to ";
-  const std::size_t to = help.find(kTo);
-  const auto first = numberAt(help);
-  const auto last = to == help.npos ? std::nullopt : numberAt(help.substr(to + kTo.size()));
-  std::vector<ValueChoice> choices;
-  for (int value = first.value_or(0); first && last && value <= *last; ++value)
-    choices.push_back({std::to_string(value), ""});
-  return choices;
-}
-
 }  // namespace
 
 std::vector<ValueChoice> valueChoices(const TypeInfo& type, const std::string& property) {
   const Member* member = find(type, property, &Member::put);
-  if (!member || member->put.params.front().type == ParamType::Bstr) return {};
-  if (isFlag(member->put)) return {{"0", "no"}, {"1", "yes"}};
-  const std::vector<ValueChoice> listed = listedChoices(member->help);
-  return listed.empty() ? choicesInRange(member->help) : listed;
+  if (!member) return {};
+  std::vector<ValueChoice> choices;
+  for (const Choice& choice : member->choices) choices.push_back({std::to_string(choice.value), choice.name});
+  if (choices.empty() && isFlag(member->put)) return {{"0", "no"}, {"1", "yes"}};
+  return choices;
 }
 
 std::string propertyHelp(const TypeInfo& type, const std::string& property) {

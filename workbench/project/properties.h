@@ -28,8 +28,7 @@ std::vector<std::string> writableProperties(const TypeInfo& type);
 bool hasReadable(IDispatch& object, const std::string& property);
 bool hasWritable(IDispatch& object, const std::string& property);
 
-// What a property can be set to, where that is a choice among a few: flags, and numbers that the description
-// tells one by one.
+// A value that a property can be set to, where there are only a few.
 struct ValueChoice {
   std::string value;
   std::string help;  // may be empty

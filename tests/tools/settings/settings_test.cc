@@ -18,7 +18,7 @@ namespace {
 template <class Class>
 class Settings : public testing::Test {
  protected:
-  static const SettingsTable& table() { return Class::table(); }
+  static const SettingsTable& table() { return Class::kTable; }
 
   // A value that is neither the default nor any other property's.
   static Variant other(std::size_t property) {
@@ -47,23 +47,13 @@ class Settings : public testing::Test {
 using Classes = testing::Types<CmdLineSettings, CcSettings, AsmSettings, LinkerSettings>;
 TYPED_TEST_SUITE(Settings, Classes);
 
-TYPED_TEST(Settings, TableHasThePropertiesOfTheInterfaceInItsOrder) {
-  std::vector<std::pair<std::string, ParamType>> described;
-  for (const TypeInfo* type = &typeInfo<typename TypeParam::SettingsInterface>(); type; type = type->base) {
-    std::vector<std::pair<std::string, ParamType>> own;
-    for (const Member& member : type->members) {
-      if (member.get && member.put) own.emplace_back(member.name, member.put.params.back().type);
-    }
-    described.insert(described.begin(), own.begin(), own.end());
-  }
-  std::vector<std::pair<std::string, ParamType>> rows;
-  for (const SettingsProperty& property : this->table().properties) {
-    rows.emplace_back(BString(property.name).narrow(), property.isText() ? ParamType::Bstr
-                                                       : property.type == SettingsProperty::Type::Flag
-                                                           ? ParamType::I4
-                                                           : ParamType::UI4);
-  }
-  EXPECT_EQ(rows, described);
+// Programs that were compiled against the interface call by these numbers.
+TYPED_TEST(Settings, IdentifiersCountOnInTheOrderOfTheInterface) {
+  std::vector<std::int32_t> ids;
+  for (const SettingsProperty& property : this->table().properties) ids.push_back(property.id);
+  std::vector<std::int32_t> expected{1, 2, 3, 4, 5};  // 6 and 7 are Clone and LogicallyEqual
+  while (expected.size() < ids.size()) expected.push_back(static_cast<std::int32_t>(expected.size()) + 3);
+  EXPECT_EQ(ids, expected);
 }
 
 TYPED_TEST(Settings, EveryPropertyButBuildDirtyCountsInLogicallyEqual) {
@@ -181,7 +171,7 @@ TYPED_TEST(Settings, HostileLengthFailsWithoutAllocatingIt) {
 template <class Class>
 void expectDefaults(const std::map<std::string, std::string>& set) {
   const auto settings = make<Class>();
-  for (const SettingsProperty& property : Class::table().properties) {
+  for (const SettingsProperty& property : Class::kTable.properties) {
     const std::string name = BString(property.name).narrow();
     const auto found = set.find(name);
     const std::string expected = found != set.end() ? found->second : property.isText() ? "" : "0";
@@ -209,11 +199,15 @@ TEST(SettingsDefaults, DifferByClass) {
                                   {"Options", "/s"}});
 }
 
-// The record of a class, value by value, for properties set one after the other.
+// The record of a class, value by value, for all of its properties in the order of the interface.
 template <class Class>
 void expectRecord(const Properties& properties, const RecordBytes& record) {
   const auto settings = make<Class>();
-  EXPECT_EQ(properties.size() + kCommonSettings, Class::table().properties.size());
+  std::vector<BString> names;
+  for (const SettingsProperty& property : Class::kTable.properties.subspan(kCommonSettings))
+    names.emplace_back(property.name);
+  ASSERT_EQ(properties.size(), names.size());
+  for (std::size_t i = 0; i < names.size(); ++i) EXPECT_EQ(properties[i].name, names[i]);
   setProperties(*settings, {{u"Input", u"in"},
                             {u"Output", u"out"},
                             {u"Command", u""},
@@ -323,6 +317,29 @@ TEST(SettingsRecord, OfALinkerFollowsTheInterface) {
                                    .text(u"equ")
                                    .text(u"opt")
                                    .numbers({9, 10, 0}));
+}
+
+// What a flag, a choice and a text say of themselves, and a choice whose line of help is its own.
+TEST(SettingsDescription, HasHelpAndChoicesOfItsRow) {
+  const struct {
+    const char16_t* property;
+    std::string help;
+    std::vector<std::pair<int, std::string>> choices;
+  } cases[] = {
+      {u"DebugInfo", "emit debug information (0 or 1)", {{0, "no"}, {1, "yes"}}},
+      {u"WarningLevel", "0 none, 1 standard, 2 all", {{0, "none"}, {1, "standard"}, {2, "all"}}},
+      {u"OptimisationLevel", "0 to 3", {{0, "none"}, {1, "some"}, {2, "more"}, {3, "most"}}},
+      {u"IncludePath", "directories, separated by semicolons", {}},
+      {u"BuildDirty", "changed since the last clean build (0 or 1)", {{0, "no"}, {1, "yes"}}},
+  };
+  for (const auto& row : cases) {
+    const Member* member = typeInfo<ICcSettings>().find(BString(row.property));
+    ASSERT_TRUE(member) << row.help;
+    EXPECT_EQ(member->help, row.help);
+    std::vector<std::pair<int, std::string>> choices;
+    for (const Choice& choice : member->choices) choices.emplace_back(choice.value, choice.name);
+    EXPECT_EQ(choices, row.choices) << row.help;
+  }
 }
 
 TEST(SettingsRecord, VersionsAreNotLookedAt) {
