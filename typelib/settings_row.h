@@ -57,6 +57,7 @@ struct SettingsProperty {
   std::int32_t id = 0;          // of late-bound calls
   std::size_t place = 0;        // in its block of the stored record, from 1
   InitialValue initial = {};    // empty or 0 if not given
+  bool isFollowed = false;      // others follow from it: ISettingsEdit
   const char* help = "";        // one line; may be missing where there are choices
   SettingChoices choices = {};  // of a number that is a choice among a few
 };

@@ -12,6 +12,8 @@ class CmdLineSettings final : public SettingsObject<CmdLineSettings, ICmdLineSet
                                           SettingsRows<ICmdLineSettings>::kRows};
   static constexpr SettingsTable kTable = kLayout.table(CLSID_CmdLineSettings, false, false);
 
+  void updateFollowers() {}
+
 #define FORGEYARD_SETTING FORGEYARD_SETTING_ACCESSORS
 #include "typelib/settings/command_line.inc"
 };

@@ -2,9 +2,10 @@
 
 #include <string>
 
+#include "tools/compiler/translate_mode.h"
 #include "tools/settings/leading_number.h"
 #include "tools/settings/option_list.h"
-#include "tools/settings/settings_object.h"
+#include "tools/settings/value_of.h"
 
 namespace forgeyard {
 
@@ -55,10 +56,10 @@ std::u16string smallDataText(ICcSettings& settings) {
 
 BString compilerCommand(ICcSettings& settings, const BString& compiler, bool reportDependencies) {
   const auto text = [&](HRESULT (ICcSettings::*get)(BString*)) { return valueOf(settings, get); };
-  const bool toObject = valueOf(settings, &ICcSettings::get_TranslateMode) == 0;
+  const TranslateMode& mode = translateModeOf(settings);
 
   OptionList options;
-  options.add(compiler + u" ", toObject ? u"-c" : u"-S");
+  options.add(compiler + u" ", mode.option);
   options.add(u"", flagText(settings));
   options.add(u"-I", text(&ICcSettings::get_IncludePath));
   options.add(u"-O", levelText(valueOf(settings, &ICcSettings::get_OptimisationLevel)));
@@ -75,7 +76,7 @@ BString compilerCommand(ICcSettings& settings, const BString& compiler, bool rep
   options.add(u"", text(&ICcSettings::get_Options));
   options.add(u"", reportDependencies ? u"-MD" : u"");
   options.add(u"", u"$(FileFullPath)");
-  options.add(u"-o", toObject ? u"$(OutDir)$(FileName).obj" : u"$(OutDir)$(FileName).s");
+  options.add(u"-o", std::u16string(u"$(OutDir)$(FileName)") + mode.output);
 
   std::u16string command;
   options.expand(command);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tools/compiler/translate_mode.h"
 #include "tools/settings/settings_object.h"
 #include "typelib/classes.h"
 
@@ -9,10 +10,11 @@ namespace forgeyard {
 class CcSettings final : public SettingsObject<CcSettings, ICcSettings> {
  public:
   static constexpr SettingsLayout kLayout{
-      CommonDefaults{
-          .input = u".c;.i;.ii;.m;.cc;.cxx;.cpp;.C;.s;.S", .output = u".obj", .commandOutDir = u"$(CIntDir)"},
+      CommonDefaults{.input = kToObject.input, .output = kToObject.output, .commandOutDir = u"$(CIntDir)"},
       SettingsRows<ICcSettings>::kRows};
   static constexpr SettingsTable kTable = kLayout.table(CLSID_CcSettings, true, true);
+
+  void updateFollowers() { updateCompilerFiles(*this); }
 
 #define FORGEYARD_SETTING FORGEYARD_SETTING_ACCESSORS
 #include "typelib/settings/compiler.inc"

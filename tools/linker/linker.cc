@@ -45,11 +45,7 @@ void CLinker::UpdateLinkerOutput() {
   if (valueOf(*settings, &ILinkerSettings::get_OutputName).empty()) {
     check(settings->put_OutputName(outputNameFor(scriptFile_)));
   }
-  const LinkerOutput names = linkerOutput(*settings);
-  std::u16string output = names.main;
-  if (valueOf(*settings, &ILinkerSettings::get_CreateSymbolFile)) output += u';' + names.symbols;
-  if (valueOf(*settings, &ILinkerSettings::get_CreateMapFile)) output += u';' + names.map;
-  check(settings->put_Output(output));
+  updateLinkerOutput(*settings);
 }
 
 int CLinker::GenerateCommand() {

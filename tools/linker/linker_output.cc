@@ -1,6 +1,6 @@
 #include "tools/linker/linker_output.h"
 
-#include "tools/settings/settings_object.h"
+#include "tools/settings/value_of.h"
 
 namespace forgeyard {
 
@@ -37,6 +37,17 @@ LinkerOutput linkerOutput(std::u16string_view outputName, LinkFormat format) {
 LinkerOutput linkerOutput(ILinkSettings& settings) {
   return linkerOutput(valueOf(settings, &ILinkSettings::get_OutputName),
                       static_cast<LinkFormat>(valueOf(settings, &ILinkSettings::get_OutputFormat)));
+}
+
+void updateLinkerOutput(ILinkSettings& settings) {
+  std::u16string output;
+  if (!valueOf(settings, &ILinkSettings::get_OutputName).empty()) {
+    const LinkerOutput names = linkerOutput(settings);
+    output = names.main;
+    if (valueOf(settings, &ILinkSettings::get_CreateSymbolFile)) output += u';' + names.symbols;
+    if (valueOf(settings, &ILinkSettings::get_CreateMapFile)) output += u';' + names.map;
+  }
+  check(settings.put_Output(output));
 }
 
 std::u16string_view outputNameFor(std::u16string_view script) {

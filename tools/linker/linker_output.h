@@ -22,6 +22,10 @@ struct LinkerOutput {
 LinkerOutput linkerOutput(std::u16string_view outputName, LinkFormat format);
 LinkerOutput linkerOutput(ILinkSettings& settings);
 
+// Writes Output of a linker as it follows from its output name, format and flags. Without an output name
+// there is none either, until a build takes the script's. Throws StatusError.
+void updateLinkerOutput(ILinkSettings& settings);
+
 // The output name of a link that has none: the script's.
 std::u16string_view outputNameFor(std::u16string_view script);
 

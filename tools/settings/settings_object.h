@@ -9,6 +9,7 @@
 #include "tools/settings/settings_values.h"
 #include "tools/settings/value_of.h"
 #include "typelib/settings.h"
+#include "typelib/settings_edit.h"
 
 namespace forgeyard {
 
@@ -24,7 +25,8 @@ namespace forgeyard {
 // The settings of a tool component in one configuration. Class gives its layout and kTable, Interface is what
 // it offers.
 template <class Class, class Interface>
-class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettingsValues, IRecord> {
+class SettingsObject
+    : public ComObject<Dual<Interface>, IPersistStream, ISettingsEdit, ISettingsValues, IRecord> {
  public:
   using SettingsInterface = Interface;
 
@@ -45,6 +47,13 @@ class SettingsObject : public ComObject<Dual<Interface>, IPersistStream, ISettin
     if (!other || &other->settingsValues().table() != &values_.table()) return E_FAIL;
     *result = values_.logicallyEqual(other->settingsValues()) ? 1 : 0;
     return S_OK;
+  }
+
+  // ISettingsEdit
+  HRESULT PropertyEdited(std::int32_t id) override {
+    return guard([&] {
+      if (values_.table().isFollowed(id)) static_cast<Class&>(*this).updateFollowers();
+    });
   }
 
   // IPersistStream

@@ -21,6 +21,9 @@ inline constexpr std::size_t kCommonSettings = SettingsRows<IBuilderSettings>::k
 // record holds a version, the common block, a version, the class's own block in an order of its own, and in
 // some classes one more version. A version is 0, and nothing looks at it.
 struct SettingsTable {
+  // Whether other properties follow from that of the identifier.
+  bool isFollowed(std::int32_t id) const;
+
   Guid clsid;
   std::span<const SettingsProperty> properties;
   std::span<const std::size_t> ownStored;  // indices of the own properties, in the order of the record

@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "platform/com/enumerators.h"
+#include "typelib/settings_edit.h"
 #include "typelib/type_library.h"
 #include "workbench/base/nearest.h"
 
@@ -158,6 +159,7 @@ Variant getProperty(const FoundMember& found, std::span<const Variant> arguments
 
 void putProperty(const FoundMember& found, std::span<const Variant> argumentsAndValue) {
   invoke(found, InvokeKind::PropertyPut, argumentsAndValue);
+  check(reportEdit(found.face.get(), found.member->id));
 }
 
 Variant callMethod(const FoundMember& found, std::span<const Variant> arguments) {

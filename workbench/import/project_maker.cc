@@ -64,8 +64,7 @@ class ProjectMaker {
     const Component made = addTool(project_, kindNamed(tool.kind), tool.name);
     made_.emplace(tool.name, made);
     require(made.object->BeforeSettings(), "The settings of " + tool.name);
-    for (const Assignment& setting : tool.settings)
-      setProperty(project_.project(), made, *configuration_, setting);
+    setProperties(project_.project(), made, *configuration_, tool.settings);
     require(made.object->AfterSettings(1), "The settings of " + tool.name);
   }
 

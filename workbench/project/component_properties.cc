@@ -46,9 +46,10 @@ Failure unknownProperty(const Component& component, const std::string& property,
   return Failure(component.name + " (" + component.kindName() + ") has no property " + property + "." + hint);
 }
 
-void setProperty(IProject& project, const Component& component, IConfiguration& configuration,
+namespace {
+
+void setProperty(IProject& project, const Component& component, const PropertyHolders& holders,
                  const Assignment& assignment) {
-  const PropertyHolders holders = holdersOf(component, configuration);
   IDispatch* holder = holders.writable(assignment.property);
   if (!holder) {
     throw unknownProperty(component, assignment.property, holders.names(writableProperties));
@@ -56,7 +57,18 @@ void setProperty(IProject& project, const Component& component, IConfiguration& 
   // The command line tells components apart by their names.
   if (holder == holders.own.get() && equalFoldedAscii(assignment.property, "Name"))
     requireFreeName(project, assignment.value, component.object.get());
-  writeProperty(*holder, assignment.property, assignment.value);
+  editProperty(*holder, assignment.property, assignment.value);
+}
+
+}  // namespace
+
+void setProperties(IProject& project, const Component& component, IConfiguration& configuration,
+                   std::span<const Assignment> assignments) {
+  const PropertyHolders holders = holdersOf(component, configuration);
+  for (const Assignment& assignment : assignments) setProperty(project, component, holders, assignment);
+  // A value that was given counts for more than one that follows from another property.
+  for (const Assignment& assignment : assignments)
+    putProperty(*holders.writable(assignment.property), assignment.property, assignment.value);
 }
 
 }  // namespace forgeyard::workbench

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -27,8 +28,9 @@ PropertyHolders holdersOf(const Component& component, IConfiguration& configurat
 Failure unknownProperty(const Component& component, const std::string& property,
                         const std::vector<std::string>& names);
 
-// Changes one property, between BeforeSettings and AfterSettings of the component. Throws a Failure.
-void setProperty(IProject& project, const Component& component, IConfiguration& configuration,
-                 const Assignment& assignment);
+// Changes properties, and others that follow from them, between BeforeSettings and AfterSettings of the
+// component. Throws a Failure.
+void setProperties(IProject& project, const Component& component, IConfiguration& configuration,
+                   std::span<const Assignment> assignments);
 
 }  // namespace forgeyard::workbench

@@ -66,8 +66,8 @@ void setProperty(const Session& session, IProject& project, IConfiguration& conf
   }
   if (equalFoldedAscii(assignment.property, kName))
     requireFreeConfigurationName(project, assignment.value, &configuration);
-  writeProperty(configuration, assignment.property,
-                isDirectory(assignment.property) ? modelSpelling(assignment.value) : assignment.value);
+  putProperty(configuration, assignment.property,
+              isDirectory(assignment.property) ? modelSpelling(assignment.value) : assignment.value);
 }
 
 }  // namespace forgeyard::workbench

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/text/fold.h"
+#include "typelib/settings_edit.h"
 #include "workbench/base/failure.h"
 
 namespace forgeyard::workbench {
@@ -134,7 +135,7 @@ std::string readProperty(IDispatch& object, const std::string& property) {
   return text.narrow();
 }
 
-void writeProperty(IDispatch& object, const std::string& property, const std::string& value) {
+void putProperty(IDispatch& object, const std::string& property, const std::string& value) {
   const Member* member = find(object, property, &Member::put);
   if (!member) throw Failure(property + " can't be set.");
   const Variant argument = argumentFor(*member, value);
@@ -145,6 +146,11 @@ void writeProperty(IDispatch& object, const std::string& property, const std::st
                   ", which takes a number: " + member->help + ".");
   }
   require(status, std::string(member->name) + " can't be set to \"" + value + "\"");
+}
+
+void editProperty(IDispatch& object, const std::string& property, const std::string& value) {
+  putProperty(object, property, value);
+  require(reportEdit(&object, identifierOf(object, property)), "What follows from " + property);
 }
 
 }  // namespace forgeyard::workbench

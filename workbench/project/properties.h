@@ -40,7 +40,9 @@ std::string propertyHelp(const TypeInfo& type, const std::string& property);
 // Names in any case. Throw a Failure that says which property and why.
 Variant propertyValue(IDispatch& object, const std::string& property);
 std::string readProperty(IDispatch& object, const std::string& property);
-// Flags also take yes and no, on and off, true and false.
-void writeProperty(IDispatch& object, const std::string& property, const std::string& value);
+// Changes that property alone. Flags also take yes and no, on and off, true and false.
+void putProperty(IDispatch& object, const std::string& property, const std::string& value);
+// Changes it, and what follows from it.
+void editProperty(IDispatch& object, const std::string& property, const std::string& value);
 
 }  // namespace forgeyard::workbench

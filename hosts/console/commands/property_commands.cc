@@ -26,7 +26,7 @@ std::vector<Ref<IConfiguration>> chosenConfigurations(const OpenProject& project
   return configurationsOf(project.project());
 }
 
-ExitCode setProperties(const Invocation& invocation) {
+ExitCode setValues(const Invocation& invocation) {
   const std::vector<Assignment> wanted = assignments(invocation.texts("PROPERTY=VALUE"));
   Session session(invocation.options());
   OpenProject project(session);
@@ -34,10 +34,8 @@ ExitCode setProperties(const Invocation& invocation) {
   const auto configurations = chosenConfigurations(project, invocation);
   require(component.object->BeforeSettings(), "The settings of " + component.name);
   // A failure leaves all of it to the end of the session: nothing has been stored.
-  for (const auto& configuration : configurations) {
-    for (const Assignment& assignment : wanted)
-      setProperty(project.project(), component, *configuration, assignment);
-  }
+  for (const auto& configuration : configurations)
+    setProperties(project.project(), component, *configuration, wanted);
   require(component.object->AfterSettings(1), "The settings of " + component.name);
   project.save();
   return ExitCode::Success;
@@ -95,7 +93,7 @@ constexpr std::array kCommands{
           {Kind::Texts, "PROPERTY=VALUE", "", "names as \"get\" shows them; values are stored as typed",
            Completes::Assignment},
           {Kind::Flag, "--all-configs", "", "in every configuration"}}},
-        setProperties},
+        setValues},
     Command{"get",
             "Show the properties of a component, or the value of one",
             {{{Kind::Text, "COMPONENT", "", "its name, or \"#ID\" as \"component list\" shows it",

@@ -52,6 +52,31 @@ TEST_F(PropertyCommands, NamesAndFlagsAreTakenInAnyCase) {
   EXPECT_EQ(shown({"get", "cc", "Options"}), "on\n") << "a text is no flag";
 }
 
+TEST_F(PropertyCommands, SetChangesWhatFollowsFromAProperty) {
+  must({"component", "add", "asm", "asm"});
+  const std::string mode1 = ".c;.i;.ii;.m;.cc;.cxx;.cpp;.C";
+  const struct {
+    Lines assignments;
+    std::string component;
+    std::string input;
+    std::string output;
+  } table[] = {
+      {{"TranslateMode=1"}, "cc", mode1, ".s"},
+      {{"TranslateMode=0"}, "cc", mode1 + ";.s;.S", ".obj"},
+      {{"Output=.asm", "TranslateMode=1"}, "cc", mode1, ".asm"},
+      {{"TranslateMode=1", "Input=.c"}, "cc", ".c", ".s"},
+      {{"CreateListingFile=yes"}, "asm", "", ".obj;.lst"},
+      {{"CreateSymbolFile=yes"}, "asm", "", ".obj;.sym;.lst"},
+  };
+  for (const auto& row : table) {
+    Lines line{"set", row.component};
+    line.insert(line.end(), row.assignments.begin(), row.assignments.end());
+    must(line);
+    EXPECT_EQ(shown({"get", row.component, "Input"}), row.input + "\n") << row.assignments.front();
+    EXPECT_EQ(shown({"get", row.component, "Output"}), row.output + "\n") << row.assignments.front();
+  }
+}
+
 TEST_F(PropertyCommands, FoldersHaveNameAndExtensions) {
   must({"set", "src", "Name=sources", "Extension=c;cc"});
   EXPECT_EQ(shown({"get", "sources"}), "Name=sources\nExtension=c;cc\nEnabled=1\n");
