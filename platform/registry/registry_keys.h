@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace forgeyard::registry_keys {
@@ -17,6 +18,8 @@ inline constexpr std::string_view kTargets = R"(Software\Korvel\Build Tool\Targe
 // Value name the target, text the beginning of the command line.
 inline constexpr std::string_view kCompilers = R"(Software\Korvel\Build Tool\Compilers)";
 inline constexpr std::string_view kAssemblers = R"(Software\Korvel\Build Tool\Assemblers)";
+// The longest text of these two that a build takes, in bytes.
+inline constexpr std::size_t kLongestToolText = 260;
 // Value name "C:", text the host directory.
 inline constexpr std::string_view kDrives = R"(Software\Korvel\Build Tool\Drives)";
 // Value names: tools that get their arguments as they stand, not spelled for the host.

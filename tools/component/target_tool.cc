@@ -4,14 +4,12 @@
 #include <string>
 
 #include "platform/registry/registry.h"
+#include "platform/registry/registry_keys.h"
 #include "typelib/cookies.h"
 
 namespace forgeyard {
 
 namespace {
-
-// With its terminator.
-constexpr std::size_t kLongestRegistryText = 261;
 
 // The configuration's target. Nothing if none was specified; a cookie store that fails gives the empty name,
 // which stands for the unnamed value of the registry key.
@@ -30,6 +28,13 @@ BString noEntry(const BString& target, std::u16string_view noun) {
                          u" setting registry entry.");
 }
 
+BString tooLong(const BString& target, std::u16string_view noun, std::size_t bytes) {
+  return BString::concat(BString::concat(u"Specified target: ", target, u" has a "), noun,
+                         BString::fromNarrow(" setting registry entry of " + std::to_string(bytes) +
+                                             " bytes; the longest that can be used has " +
+                                             std::to_string(registry_keys::kLongestToolText) + "."));
+}
+
 }  // namespace
 
 TargetTool findTargetTool(IConfiguration* configuration, const TargetToolKind& kind) {
@@ -44,7 +49,9 @@ TargetTool findTargetTool(IConfiguration* configuration, const TargetToolKind& k
   const std::optional<RegistryKey> key = registry.open(kind.registryKey);
   if (!key) return {{}, BString::concat(u"Error reading the registry for ", kind.noun, u" settings.")};
   const std::optional<std::string> command = key->value(target->narrow());
-  if (!command || command->size() >= kLongestRegistryText) return {{}, noEntry(*target, kind.noun)};
+  if (!command) return {{}, noEntry(*target, kind.noun)};
+  if (command->size() > registry_keys::kLongestToolText)
+    return {{}, tooLong(*target, kind.noun, command->size())};
   return {BString::fromNarrow(*command), {}};
 }
 

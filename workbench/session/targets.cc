@@ -122,6 +122,10 @@ std::string linkerProgram(const std::string& linker) {
   return fs::is_directory(linker, error) ? linker + "/ld" : linker;
 }
 
+bool isTooLongForATool(const std::string& commandLine) {
+  return commandLine.size() > kLongestToolText;
+}
+
 void enterTarget(Registry& registry, const Target& target) {
   if (!registry.value(kTargets, target.name)) registry.setValue(kTargets, target.name, "");
   // The keys must be there for a tool to say which target is missing in them.

@@ -32,6 +32,9 @@ std::string detectLinker();
 // The program that such a text stands for.
 std::string linkerProgram(const std::string& linker);
 
+// Whether builds can use it as the beginning of a tool's command line.
+bool isTooLongForATool(const std::string& commandLine);
+
 // Enters the target with the texts that it has; those that it lacks stay as they are.
 void enterTarget(Registry& registry, const Target& target);
 // False if there is none of that name.

@@ -85,10 +85,20 @@ ExitCode listTargets(const Invocation& invocation) {
   return finishOutput(out, ExitCode::Success);
 }
 
+void requireUsable(const std::string& tool, const std::string& commandLine) {
+  if (!isTooLongForATool(commandLine)) return;
+  throw Failure("The text of the " + tool + " has " + std::to_string(commandLine.size()) +
+                " bytes; the longest that builds can use has " +
+                std::to_string(registry_keys::kLongestToolText) +
+                ". Put the options into the component's settings, or into a script that runs the tool.");
+}
+
 ExitCode addTarget(const Invocation& invocation) {
   const Target target{invocation.text("NAME"), invocation.text("--compiler"), invocation.text("--assembler")};
   const std::string& linker = invocation.text("--linker");
   if (target.name.empty()) throw Failure("A target needs a name.");
+  requireUsable("compiler", target.compiler);
+  requireUsable("assembler", target.assembler);
   const std::vector<std::string> names = namesOf(registeredTargets(preparedRegistry()));
   const bool known = std::find(names.begin(), names.end(), target.name) != names.end();
   if (known && target.compiler.empty() && target.assembler.empty() && linker.empty()) {

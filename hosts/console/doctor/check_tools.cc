@@ -3,6 +3,7 @@
 #include "hosts/console/doctor/checks.h"
 #include "hosts/console/doctor/debian_packages.h"
 #include "hosts/console/doctor/program_version.h"
+#include "platform/registry/registry_keys.h"
 #include "workbench/base/nearest.h"
 #include "workbench/base/program_paths.h"
 #include "workbench/session/first_start.h"
@@ -33,6 +34,16 @@ class ToolCheck {
       : adapters_(std::move(adapters)), findings_(results) {}
 
   bool check(const Target& target, const std::string& tool, const std::string& commandLine) {
+    const std::string enterAnother =
+        "enter another with: forgeyard target add " + quoted(target.name) + " --" + tool;
+    if (isTooLongForATool(commandLine)) {
+      findings_.warning("target",
+                        target.name + ", " + tool + ": its text has " + std::to_string(commandLine.size()) +
+                            " bytes; the longest that builds can use has " +
+                            std::to_string(registry_keys::kLongestToolText),
+                        enterAnother);
+      return false;
+    }
     const std::vector<ToolProgram> programs = programsOf(commandLine, adapters_);
     std::vector<std::string> missing;
     for (const ToolProgram& program : programs) {
@@ -42,8 +53,7 @@ class ToolCheck {
     const std::string what = target.name + ", " + tool + ": " + commandLine;
     if (!missing.empty()) {
       findings_.warning("target", what + ": " + enumeration(missing) + " is not found on PATH",
-                        installAdvice(missing, "enter another with: forgeyard target add " +
-                                                   quoted(target.name) + " --" + tool));
+                        installAdvice(missing, enterAnother));
       return false;
     }
     if (programs.empty()) return false;

@@ -51,7 +51,10 @@ TEST_F(Doctor, TellsWhatIsBroken) {
   must({"target", "add", "odd", "--assembler", "my-as -x"});
   put("../registry", content("../registry") + "nonsense\n\x1b[2J" + std::string(100, 'x') +
                          "\n[HKEY_CURRENT_USER\\Software\\Korvel\\Build Tool\\Drives]\n"
-                         "C:=/no/such\n");
+                         "C:=/no/such\n"
+                         "[HKEY_CURRENT_USER\\Software\\Korvel\\Build Tool\\Assemblers]\n"
+                         "board=" +
+                         std::string(261, 'x') + "\n");
   put("mangled", "[HKEY_CURRENT_USER\\Software\\Korvel]\nHome=Q:\\nowhere\n");
   put("file", "");
   fs::create_directories(path("open"));
@@ -72,6 +75,9 @@ TEST_F(Doctor, TellsWhatIsBroken) {
        "-> apt install gcc-vax-linux-gnu; or enter another with: forgeyard target add board "
        "--compiler\n"},
       {"", 0, "-> Install my-as, or enter another with: forgeyard target add odd --assembler\n"},
+      {"", 0,
+       "warning  target     board, assembler: its text has 261 bytes; the longest that builds can use has "
+       "260\n"},
       {"", 0, "Builds can work; "},
       {"FORGEYARD_REGISTRY=" + path("empty"), 1,
        "problem  registry   " + path("empty") + ": the registry must be"},

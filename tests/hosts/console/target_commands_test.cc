@@ -80,6 +80,17 @@ TEST_F(TargetCommands, AddChangesWhatIsGivenAndRemoveTakesAllOfIt) {
   EXPECT_THAT(content("../registry"), Not(HasSubstr("my target")));
 }
 
+TEST_F(TargetCommands, ATextThatBuildsCannotUseIsRefused) {
+  const std::string longest(260, 'x');
+  const std::string registry = (must({"target", "add", "x", "--compiler", longest}), content("../registry"));
+  for (const std::string tool : {"compiler", "assembler"}) {
+    EXPECT_THAT(
+        refused({"target", "add", "x", "--" + tool, longest + "y"}),
+        HasSubstr("The text of the " + tool + " has 261 bytes; the longest that builds can use has 260."));
+  }
+  EXPECT_EQ(content("../registry"), registry);
+}
+
 TEST_F(TargetCommands, OneMipsLinkerServesAllTargets) {
   for (const char* name : {"mips-elf-ld", "arm-none-eabi-ld", "mips64-elf-ld"}) install(name);
   EXPECT_EQ(withTools({"target", "list"}).output, "linker of all targets: mips-elf-\n");
