@@ -1,5 +1,6 @@
 #include "typelib/type_library.h"
 
+#include <algorithm>
 #include <array>
 
 #include "platform/text/fold.h"
@@ -18,6 +19,12 @@ auto descriptionsOf(TypeList<Is...>) {
 std::span<const TypeInfo* const> typeLibrary() {
   static const auto all = descriptionsOf(DualInterfaces{});
   return all;
+}
+
+const TypeInfo* findInterface(const Guid& iid) {
+  const auto all = typeLibrary();
+  const auto found = std::ranges::find(all, iid, [](const TypeInfo* type) { return type->iid; });
+  return found == all.end() ? nullptr : *found;
 }
 
 const TypeInfo* findInterface(std::string_view name) {

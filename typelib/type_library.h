@@ -30,7 +30,8 @@ using DualInterfaces =
 // Their descriptions, in the same order: the type library. Any thread.
 std::span<const TypeInfo* const> typeLibrary();
 
-// By name in any case, with the leading I or without; null when there is none.
+// By name in any case, with the leading I or without, or by identifier; null when there is none.
 const TypeInfo* findInterface(std::string_view name);
+const TypeInfo* findInterface(const Guid& iid);
 
 }  // namespace forgeyard

@@ -32,13 +32,6 @@ std::string textOf(const RecordNode* node) {
   return text ? text->narrow() : "";
 }
 
-const TypeInfo* typeWith(const Guid& iid) {
-  const auto types = typeLibrary();
-  const auto found =
-      std::find_if(types.begin(), types.end(), [&](const auto* one) { return one->iid == iid; });
-  return found == types.end() ? nullptr : *found;
-}
-
 std::string targetOf(const RecordNode& configuration) {
   for (const RecordNode& cookie : elements(configuration.find("cookies"))) {
     const RecordNode::List& pair = elements(&cookie);
@@ -139,8 +132,8 @@ PropertySource ProjectContents::propertiesOf(const std::string& component) {
   for (const RecordNode& node : elements(found->node->find("settings"))) {
     if (textOf(node.find("configuration")) == chosenConfiguration()) settings = &node;
   }
-  if (const TypeInfo* type = typeWith(found->kind->iid)) source.types.push_back(type);
-  if (const TypeInfo* type = typeWith(found->kind->settings)) source.types.push_back(type);
+  if (const TypeInfo* type = findInterface(found->kind->iid)) source.types.push_back(type);
+  if (const TypeInfo* type = findInterface(found->kind->settings)) source.types.push_back(type);
   source.nodes = {found->node, settings};
   return source;
 }

@@ -6,6 +6,8 @@
 #include "hosts/console/commands/all_commands.h"
 #include "hosts/console/commands/common_usage.h"
 #include "hosts/console/usage/examples.h"
+#include "typelib/type_library.h"
+#include "workbench/project/components.h"
 
 namespace forgeyard::console {
 
@@ -129,6 +131,24 @@ class Page {
     for (const UsageNote& row : rows) item(bold(row.name), flat(row.help) + ".");
   }
 
+  // What a component's settings can be set to, as their descriptions list it.
+  void properties(const TypeInfo& type) {
+    for (const Member& member : type.members) {
+      if (member.put) item(bold(member.name), flat(member.help) + ".");
+    }
+  }
+  void properties() {
+    section("PROPERTIES");
+    line("Of the settings of every kind of component:");
+    properties(typeInfo<IBuilderSettings>());
+    for (const ComponentKind& kind : componentKinds()) {
+      const TypeInfo* type = findInterface(kind.settings);
+      if (!type || kind.name == kFolderKind) continue;
+      line(".SS " + flat(kind.name) + ": " + flat(kind.help));
+      for (; type != &typeInfo<IBuilderSettings>(); type = type->base) properties(*type);
+    }
+  }
+
   void showExamples(std::string_view word) {
     bool any = false;
     for (const Example& example : examples()) {
@@ -236,6 +256,7 @@ std::string commandPage(const std::string& word) {
     page.line(flat(command->help) + ".");
     page.parameters(*command);
   }
+  if (word == "set") page.properties();
   page.section("OPTIONS");
   page.line("Those of every command stand in " + bold(kProgram) + "(1).");
   page.notes("EXIT STATUS", exitCodes());

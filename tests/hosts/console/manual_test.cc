@@ -44,6 +44,23 @@ TEST_F(Manual, HasEveryCommandWithWhatItTakes) {
   }
 }
 
+TEST_F(Manual, OfSetHasTheProperties) {
+  const std::string page = shown({"man", "set"});
+  const struct {
+    const char* kind;
+    std::vector<const char*> lines;
+  } table[] = {
+      {"every", {"CommandOutDir", "BuildDirty"}},
+      {"cmdline", {"FileSeparator", "Execute Once: one run for all inputs (0 or 1)."}},
+      {"cc", {"OptimisationLevel", "0 none, 1 standard, 2 all."}},
+      {"asm", {"MakeUndefinedXREF"}},
+      {"linker", {"OutputFormat", "0 executable, 1 pure binary, 2 S\\-record."}},
+  };
+  for (const auto& row : table) {
+    for (const char* line : row.lines) EXPECT_THAT(page, HasSubstr(line)) << row.kind;
+  }
+}
+
 TEST_F(Manual, WrongUseIsTold) {
   EXPECT_THAT(refused({"man", "buidl"}), HasSubstr("There is no command buidl. Did you mean build?"));
   EXPECT_THAT(refused({"man", "complete"}), HasSubstr("There is no command complete."));
