@@ -14,7 +14,7 @@ check_format() {
   heading "Layout"
   local files
   mapfile -d '' files < <(find adapters bench engine fuzz hosts model platform plugin repository sourcecontrol spawner tests \
-    tools typelib ui workbench \( -name '*.cc' -o -name '*.h' -o -name '*.inc' \) -print0 2>/dev/null | sort -z)
+    tools typelib ui workbench \( -name '*.cc' -o -name '*.h' \) -print0 2>/dev/null | sort -z)
   printf '%s\0' "${files[@]}" | xargs -0 -n 32 -P "$jobs" clang-format --dry-run -Werror
   say "${#files[@]} files"
 }

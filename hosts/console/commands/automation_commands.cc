@@ -9,6 +9,7 @@
 #include "workbench/automation/idl.h"
 #include "workbench/base/failure.h"
 #include "workbench/base/nearest.h"
+#include "workbench/project/configurations.h"
 #include "workbench/project/open_project.h"
 
 namespace forgeyard::console {
@@ -35,10 +36,25 @@ ExitCode showTypeLibrary(const Invocation& invocation) {
   return finishOutput(out, ExitCode::Success);
 }
 
+// The project that -p, -w and -c choose, loaded and active with its configuration; none without them, so that
+// a script may begin with nothing.
+class ChosenProject {
+ public:
+  explicit ChosenProject(Session& session) {
+    const Options& options = session.options();
+    if (options.project.empty() && options.workspace.empty() && options.configuration.empty()) return;
+    project_.emplace(session);
+    if (!options.configuration.empty()) active_.emplace(project_->project(), project_->configuration());
+  }
+
+ private:
+  std::optional<OpenProject> project_;
+  std::optional<ActiveFor> active_;
+};
+
 ExitCode runScript(const Invocation& invocation) {
   Session session(invocation.options());
-  std::optional<OpenProject> project;
-  if (!invocation.options().project.empty()) project.emplace(session);
+  const ChosenProject project(session);
   Script script(session);
   const int code = script.run(invocation.text("FILE"), invocation.texts("ARGUMENTS"));
   return session.finish(static_cast<ExitCode>(code));
@@ -50,8 +66,7 @@ ExitCode serve(const Invocation& invocation) {
   if (invocation.options().json)
     throw Failure("serve --stdio speaks JSON-RPC on standard output; --json has no place there.");
   Session session(invocation.options());
-  std::optional<OpenProject> project;
-  if (!invocation.options().project.empty()) project.emplace(session);
+  const ChosenProject project(session);
   ExitCode code = ExitCode::Success;
   {
     Server server(session);
@@ -67,13 +82,14 @@ constexpr std::array kCommands{
                Completes::Interface}}},
             showTypeLibrary},
     Command{"script",
-            "Run a Lua script over the live objects; with -p the project is loaded and active",
+            "Run a Lua script over the live objects; with -p, -w or -c the project is loaded and active",
             {{{Kind::Text, "FILE", "", "the script; \"-\" for standard input", Completes::File},
               {Kind::Rest, "ARGUMENTS", "", "for the script, options included: its table \"arg\"",
                Completes::File}}},
             runScript},
     Command{"serve",
-            "Let another program work with the live objects, by JSON-RPC; with -p the project is loaded",
+            "Let another program work with the live objects, by JSON-RPC; with -p, -w or -c the project is "
+            "loaded",
             {{{Kind::Flag, "--stdio", "", "requests come on standard input, answers go to standard output"}}},
             serve},
 };

@@ -184,6 +184,52 @@ TEST_F(ScriptCommand, TakesArgumentsAsTheyStand) {
             "s.lua\t5\t-q\t--all=\t[x]\t--\t-p\n");
 }
 
+TEST_F(ScriptCommand, AnAssignmentChangesWhatFollowsFromTheProperty) {
+  makeProject();
+  put("s.lua", R"LUA(
+local project = BuildTool.ActiveProject
+for component in each(project.Components) do
+  if component.ComponentName == "cc" then
+    local settings = component:Setting(project.ActiveConfiguration)
+    settings.TranslateMode = 1
+    print(settings.Input, settings.Output)
+    settings.Output = ".asm"
+    print(settings.Output)
+  end
+end
+)LUA");
+  EXPECT_EQ(must({"-p", "p.nqp", "script", "s.lua"}).output, ".c;.i;.ii;.m;.cc;.cxx;.cpp;.C\t.s\n.asm\n");
+}
+
+TEST_F(ScriptCommand, WorksOnTheProjectAndConfigurationOfTheOptions) {
+  makeProject();
+  must({"workspace", "add", "p.nqp", "-w", "ws"});
+  put("s.lua", R"LUA(
+local project = BuildTool.ActiveProject
+print(project and project.ActiveConfiguration.Name or "none")
+)LUA");
+  const struct {
+    Lines options;
+    const char* configuration;
+  } table[] = {
+      {{}, "none"},
+      {{"-p", "p.nqp"}, "Default"},
+      {{"-p", "p.nqp", "-c", "Small"}, "Small"},
+      {{"-w", "ws"}, "Default"},
+      {{"-w", "ws", "-c", "Small"}, "Small"},
+      {{"-c", "Small"}, "Small"},
+  };
+  const std::string before = content("p.nqp");
+  for (const auto& row : table) {
+    Lines line = row.options;
+    line.insert(line.end(), {"script", "s.lua"});
+    EXPECT_EQ(must(line).output, std::string(row.configuration) + "\n")
+        << testing::PrintToString(row.options);
+  }
+  EXPECT_EQ(content("p.nqp"), before);
+  EXPECT_THAT(refused({"-c", "Big", "script", "s.lua"}), HasSubstr("There is no configuration Big."));
+}
+
 TEST_F(ScriptCommand, ComesFromStandardInputToo) {
   e2e::Start line = start({"script", "-", "x"});
   line.withInput = true;
