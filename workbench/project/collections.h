@@ -21,4 +21,15 @@ std::vector<Ref<I>> elementsOf(Collection& collection) {
   return elements;
 }
 
+// The texts of a collection of those, in its order. Throws StatusError.
+template <class Collection>
+std::vector<BString> textsOf(Collection& collection) {
+  Ref<IUnknown> unknown;
+  check(collection.get__NewEnum(&unknown));
+  std::vector<BString> texts;
+  forEach(unknown.as<IEnumVARIANT>(),
+          [&](const Variant& value) { check(value.toText(&texts.emplace_back())); });
+  return texts;
+}
+
 }  // namespace forgeyard::workbench

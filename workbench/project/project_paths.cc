@@ -12,6 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr std::u16string_view kBesideProject = u".\\";
+
 }  // namespace
 
 ProjectPaths::ProjectPaths(IProject& project) {
@@ -38,6 +40,17 @@ BString ProjectPaths::toProject(const std::string& path) const {
   if (below.empty() || *below.begin() == "..") return model.path;
   const ModelPath respelled = toModel(hostPrefix_ + below.string());
   return respelled ? respelled.path : model.path;
+}
+
+BString ProjectPaths::toDependency(const std::string& path) const {
+  BString name = toProject(path);
+  if (!name.view().starts_with(prefix_)) return name;
+  return BString::concat(kBesideProject, name.view().substr(prefix_.size()));
+}
+
+std::string ProjectPaths::dependencyToUser(const BString& entry) const {
+  if (!entry.view().starts_with(kBesideProject)) return toUser(entry);
+  return toUser(BString::concat(prefix_, entry.view().substr(kBesideProject.size())));
 }
 
 std::string ProjectPaths::directory() const {

@@ -17,11 +17,16 @@ class ProjectPaths {
   // be spelled.
   BString toProject(const std::string& path) const;
 
+  // The same as an entry in the dependencies of a file: relative to the project's directory where it is below
+  // that.
+  BString toDependency(const std::string& path) const;
+
   // The host path of the project's directory.
   std::string directory() const;
 
   // The host path; relative to the project's directory for what lies below that.
   std::string toUser(const BString& name) const;
+  std::string dependencyToUser(const BString& entry) const;
 
  private:
   std::u16string prefix_;      // the working directory with a backslash behind it

@@ -103,7 +103,8 @@ CLI::Option* CommandLine::addParameter(CLI::App& app, const Parameter& parameter
   if (parameter.kind == Kind::Flag) return app.add_flag(parameter.name, parameter.help);
   CLI::Option* option = app.add_option(parameter.name, keep, parameter.help);
   option->type_name(parameter.kind == Kind::Option ? parameter.value : "");
-  if (parameter.kind == Kind::Texts || parameter.kind == Kind::Rest) {
+  if (parameter.kind == Kind::Texts || parameter.kind == Kind::OptionalTexts ||
+      parameter.kind == Kind::Rest) {
     option->expected(1, CLI::detail::expected_max_vector_size)->allow_extra_args();
     option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->option_text("...");
   }

@@ -41,12 +41,13 @@ enum class Completes : std::uint8_t {
 struct Parameter {
   enum class Kind : std::uint8_t {
     None,
-    Text,          // one argument
-    OptionalText,  // one or none
-    Texts,         // one or more
-    Option,        // "--name VALUE"
-    Flag,          // "--name"
-    Rest,          // all that stands behind the arguments before it, options too
+    Text,           // one argument
+    OptionalText,   // one or none
+    Texts,          // one or more
+    OptionalTexts,  // any number
+    Option,         // "--name VALUE"
+    Flag,           // "--name"
+    Rest,           // all that stands behind the arguments before it, options too
   };
 
   Kind kind = Kind::None;

@@ -1,4 +1,4 @@
-// file add, list and remove.
+// file add, list, remove and depends.
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -13,7 +13,9 @@
 #include "hosts/console/session/session.h"
 #include "platform/paths/shell_path.h"
 #include "workbench/base/failure.h"
+#include "workbench/base/nearest.h"
 #include "workbench/base/words.h"
+#include "workbench/project/collections.h"
 #include "workbench/project/open_project.h"
 #include "workbench/project/source_files.h"
 
@@ -161,6 +163,89 @@ ExitCode removeFiles(const Invocation& invocation) {
   return ExitCode::Success;
 }
 
+const ProjectSource& requireSource(const std::string& path, const std::vector<FolderContents>& folders,
+                                   const SourceNames& known, const ProjectPaths& paths) {
+  const ProjectSource* file = known.find(paths.toProject(path));
+  if (!file) throw unknownFile(path, folders, paths);
+  return *file;
+}
+
+std::vector<BString> manualDependencies(ISourceFile& source) {
+  Ref<ISimpleCollection> collection;
+  check(source.get_ManualDeps(&collection));
+  return textsOf(*collection);
+}
+
+bool namesFile(const BString& entry, const std::string& path, const ProjectPaths& paths) {
+  return paths.dependencyToUser(entry) == paths.toUser(paths.toProject(path));
+}
+
+// `known` are the entries before the command.
+void addDependency(ISourceFile& source, const std::string& path, const std::vector<BString>& known,
+                   const ProjectPaths& paths) {
+  if (std::ranges::any_of(known, [&](const BString& entry) { return namesFile(entry, path, paths); }))
+    return complain(path + " is among the dependencies already.");
+  if (::access(path.c_str(), F_OK) != 0)
+    complain(path + ": there is no such file; until there is one, the source is built each time.");
+  require(source.AddManualDep(paths.toDependency(path)), path + " can't be added");
+}
+
+void removeDependency(ISourceFile& source, const std::string& path, const std::vector<BString>& known,
+                      const ProjectPaths& paths) {
+  std::vector<std::string> names;
+  bool found = false;
+  for (const BString& entry : known) {
+    names.push_back(paths.dependencyToUser(entry));
+    if (!namesFile(entry, path, paths)) continue;
+    require(source.RemoveManualDep(entry), path + " can't be removed");
+    found = true;
+  }
+  if (!found)
+    throw Failure(path + " is no dependency that was entered." +
+                  suggestion(paths.toUser(paths.toProject(path)), names, "dependencies"));
+}
+
+void showDependencies(LineWriter& out, ISourceFile& source, const std::string& file,
+                      const ProjectPaths& paths, bool json) {
+  for (const BString& entry : manualDependencies(source)) {
+    const std::string name = paths.dependencyToUser(entry);
+    if (json) {
+      writeObject(out, "dependency", {{"file", file}, {"depends_on", name}});
+    } else {
+      out.line(name);
+    }
+  }
+}
+
+void requireOneWay(const Invocation& invocation) {
+  const bool add = invocation.has("--add");
+  const bool remove = invocation.has("--remove");
+  if (add && remove) throw Failure("--add and --remove exclude each other.");
+  const bool names = invocation.has("NAME");
+  if (names && !add && !remove) throw Failure("What is to be done with the names? Give --add or --remove.");
+  if (!names && (add || remove)) throw Failure("Give the files that PATH depends on behind it.");
+}
+
+ExitCode changeDependencies(const Invocation& invocation) {
+  requireOneWay(invocation);
+  Session session(invocation.options());
+  OpenProject project(session);
+  const ProjectPaths paths(project.project());
+  const std::vector<FolderContents> folders = foldersOf(project.project());
+  const ProjectSource& source = requireSource(invocation.text("PATH"), folders, SourceNames(folders), paths);
+  if (!invocation.has("NAME")) {
+    showDependencies(session.output(), *source.object, paths.toUser(source.name), paths,
+                     session.options().json);
+    return session.finish();
+  }
+  const auto change = invocation.has("--add") ? addDependency : removeDependency;
+  const std::vector<BString> known = manualDependencies(*source.object);
+  for (const std::string& path : invocation.texts("NAME")) change(*source.object, path, known, paths);
+  require(project.project().put_Dirty(1), "The project can't be changed");
+  project.save();
+  return ExitCode::Success;
+}
+
 constexpr std::array kCommands{
     Command{"file add",
             "Add source files to the project",
@@ -174,6 +259,14 @@ constexpr std::array kCommands{
             "Take files out of the project; on the disk they stay",
             {{{Kind::Texts, "PATH", "", "files of the project", Completes::SourceFile}}},
             removeFiles},
+    Command{"file depends",
+            "Show, add or remove what a file depends on beside what its compiler reports",
+            {{{Kind::Text, "PATH", "", "a file of the project", Completes::SourceFile},
+              {Kind::OptionalTexts, "NAME", "", "files that it depends on; left out: show those entered",
+               Completes::File},
+              {Kind::Flag, "--add", "", "enter the files: a change in one of them builds PATH again"},
+              {Kind::Flag, "--remove", "", "remove the files from its dependencies"}}},
+            changeDependencies},
 };
 
 }  // namespace

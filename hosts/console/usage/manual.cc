@@ -66,6 +66,7 @@ std::string synopsisOf(const Parameter& parameter) {
       return "[" + italic(parameter.name) + "]";
     case Kind::Texts:
       return italic(parameter.name) + "...";
+    case Kind::OptionalTexts:
     case Kind::Rest:
       return "[" + italic(parameter.name) + "...]";
     case Kind::Option:

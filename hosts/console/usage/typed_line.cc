@@ -1,6 +1,7 @@
 #include "hosts/console/usage/typed_line.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "hosts/console/commands/all_commands.h"
 
@@ -15,17 +16,17 @@ using Kind = Parameter::Kind;
 constexpr Parameter kHelp{Kind::Flag, "-h,--help", "", "Show what there is; also behind a command"};
 constexpr Parameter kVersion{Kind::Flag, "--version", "", "Show the version"};
 
+bool takesMany(const Parameter& parameter) {
+  return parameter.kind == Kind::Texts || parameter.kind == Kind::OptionalTexts ||
+         parameter.kind == Kind::Rest;
+}
+
 bool isArgument(const Parameter& parameter) {
-  return parameter.kind == Kind::Text || parameter.kind == Kind::OptionalText ||
-         parameter.kind == Kind::Texts || parameter.kind == Kind::Rest;
+  return parameter.kind == Kind::Text || parameter.kind == Kind::OptionalText || takesMany(parameter);
 }
 
 bool isOption(const Parameter& parameter) {
   return parameter.kind == Kind::Option || parameter.kind == Kind::Flag;
-}
-
-bool takesMany(const Parameter& parameter) {
-  return parameter.kind == Kind::Texts || parameter.kind == Kind::Rest;
 }
 
 }  // namespace

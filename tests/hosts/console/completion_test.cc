@@ -69,6 +69,7 @@ TEST_F(CompletionOfShells, AnswersWordsAsBashIsToInsertThem) {
       {"forgeyard config set Target=nat", "words|native "},
       {"forgeyard file add --folder ", "words|src |inc |my\\ folder "},
       {"forgeyard file remove ", "words|my\\ sources/|src/|top.c "},
+      {"forgeyard file depends ", "words|my\\ sources/|src/|top.c "},
       {"forgeyard compile src/a.c my", "words|my\\ sources/ü\\ x.c "},
       {"forgeyard compile -- ./t", "words|./top.c "},
       {"forgeyard workspace use ", "words|p "},

@@ -54,6 +54,35 @@ TEST_F(FileCommands, ProjectReachedThroughALinkShowsTheSameFiles) {
   EXPECT_EQ(shown({"file", "list"}), "src\n  a.c\n  b.c\ninc\n");
 }
 
+TEST_F(FileCommands, DependenciesAreEnteredShownAndRemoved) {
+  for (const char* name : {"a.c", "sub/table.bin", "../above.bin"}) put(name, "");
+  must({"file", "add", "a.c"});
+  must({"file", "depends", "a.c", "--add", "sub/table.bin", path("../above.bin")});
+  const std::string above = fs::path(path("../above.bin")).lexically_normal().string();
+  EXPECT_EQ(shown({"file", "depends", "a.c"}), "sub/table.bin\n" + above + "\n");
+  EXPECT_THAT(shown({"dump"}), HasSubstr(R"(.\\sub\\table.bin)")) << "relative to the project";
+  const Outcome again = must({"file", "depends", "a.c", "--add", "./sub/table.bin", "later.bin"});
+  EXPECT_THAT(again.errors, HasSubstr("./sub/table.bin is among the dependencies already."));
+  EXPECT_THAT(again.errors, HasSubstr("later.bin: there is no such file; until there is one"));
+  must({"file", "depends", path("a.c"), "--remove", "later.bin", path("sub/table.bin")});
+  EXPECT_EQ(shown({"file", "depends", "a.c"}), above + "\n");
+}
+
+TEST_F(FileCommands, WrongDependenciesChangeNothing) {
+  for (const char* name : {"a.c", "table.bin"}) put(name, "");
+  must({"file", "add", "a.c"});
+  must({"file", "depends", "a.c", "--add", "table.bin"});
+  const Refusal table[] = {
+      {{"file", "depends", "b.c"}, "b.c is no file of the project."},
+      {{"file", "depends", "a.c", "x"}, "Give --add or --remove."},
+      {{"file", "depends", "a.c", "--add"}, "Give the files that PATH depends on"},
+      {{"file", "depends", "a.c", "--add", "--remove", "x"}, "exclude each other"},
+      {{"file", "depends", "a.c", "--remove", "table.bin", "tabel.bin"}, "Did you mean table.bin?"},
+  };
+  for (const Refusal& row : table) EXPECT_THAT(refused(row.arguments), HasSubstr(row.words));
+  EXPECT_EQ(shown({"file", "depends", "a.c"}), "table.bin\n");
+}
+
 TEST_F(FileCommands, AddingAgainTakesInWhatIsNewAlone) {
   for (const char* name : {"a.c", "b.c", "c.c"}) put(name, "");
   must({"file", "add", "a.c", "b.c"});
