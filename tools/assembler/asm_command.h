@@ -6,7 +6,7 @@
 namespace forgeyard {
 
 // The command of an assembler for one file, with its macros unexpanded: switches, then the list of files.
-// `assembler` opens the line as it stands.
+// `assembler` begins the line unchanged.
 BString assemblerCommand(IAsmSettings& settings, const BString& assembler);
 
 }  // namespace forgeyard

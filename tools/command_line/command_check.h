@@ -8,8 +8,8 @@
 
 namespace forgeyard {
 
-// What is wrong with a command that a user has typed: the last fault found, nothing for a good command.
-// `macros` tells which names there are, `runOnce` whether the command runs once for all files.
+// Returns the last error found in a command that a user has typed, or nothing for a valid command. `macros`
+// are the known names; `runOnce` says whether the command runs once for all files.
 std::optional<BString> commandFault(std::u16string_view command, bool runOnce, const MacroMap& macros);
 
 }  // namespace forgeyard

@@ -29,7 +29,7 @@ std::optional<NameEnumerator::List> readNames(const BString& path) {
   if (files().readWhole(path, kLargestDependencyFile, bytes)) return std::nullopt;
   if (bytes.size() < kLineEnd) return std::nullopt;
   NameEnumerator::List names;
-  // Names of any length are kept whole: one cut short would stand for another file, or for none.
+  // Names of any length are kept whole: a shortened name would be that of another file, or of none.
   for (const std::string_view name :
        parseDependencyFile(std::string_view(bytes).substr(0, bytes.size() - kLineEnd))) {
     names.push_back(BString::fromNarrow(name));

@@ -5,7 +5,7 @@
 
 namespace forgeyard {
 
-// The command of a compiler for one file, with its macros unexpanded. `compiler` opens the line as it stands;
+// The command of a compiler for one file, with its macros unexpanded. `compiler` begins the line unchanged;
 // `reportDependencies` has the compiler write a dependency file.
 BString compilerCommand(ICcSettings& settings, const BString& compiler, bool reportDependencies);
 

@@ -12,7 +12,7 @@ namespace forgeyard {
 namespace {
 
 // The configuration's target. Nothing if none was specified; a cookie store that fails gives the empty name,
-// which stands for the unnamed value of the registry key.
+// which selects the unnamed value of the registry key.
 std::optional<BString> targetOf(IConfiguration* configuration) {
   const Ref<IKVSupportCookies> cookies = query<IKVSupportCookies>(configuration);
   if (!cookies) return std::nullopt;

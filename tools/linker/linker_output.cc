@@ -6,7 +6,7 @@ namespace forgeyard {
 
 namespace {
 
-// What stands behind the last separator.
+// Returns what follows the last separator.
 std::u16string_view lastComponent(std::u16string_view path) {
   const std::size_t separator = path.find_last_of(u"\\/:");
   return separator == path.npos ? path : path.substr(separator + 1);

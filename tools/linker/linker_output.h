@@ -18,7 +18,7 @@ struct LinkerOutput {
 };
 
 // A name without an extension gets that of the format, and the side files keep its directories. A name with
-// one stays as it is, and the side files go by its last component alone.
+// one stays as it is, and the side files are named after its last component alone.
 LinkerOutput linkerOutput(std::u16string_view outputName, LinkFormat format);
 LinkerOutput linkerOutput(ILinkSettings& settings);
 
@@ -26,7 +26,7 @@ LinkerOutput linkerOutput(ILinkSettings& settings);
 // there is none either, until a build takes the script's. Throws StatusError.
 void updateLinkerOutput(ILinkSettings& settings);
 
-// The output name of a link that has none: the script's.
+// Returns the output name for a link that has none, taken from the script.
 std::u16string_view outputNameFor(std::u16string_view script);
 
 }  // namespace forgeyard

@@ -5,14 +5,13 @@
 
 namespace forgeyard {
 
-// An optional file of a command that names its files by their place between commas.
+// An optional file of a command that identifies its files by their position between commas.
 struct FileField {
   bool present;
   std::u16string name;
 };
 
-// Appends a comma and the name for each field up to the last that is present; those missing before it stay
-// empty.
+// Appends a comma and the name for each field up to the last one present; missing fields before it are empty.
 inline void addFileFields(std::u16string& command, std::initializer_list<FileField> fields) {
   std::u16string commas;
   for (const FileField& field : fields) {

@@ -7,15 +7,15 @@
 
 namespace forgeyard {
 
-// An option of a generated command: a prefix and a semicolon list of values to put behind it.
+// An option of a generated command: a prefix and a semicolon list of values that follow it.
 struct OptionPair {
   std::u16string prefix;
   std::u16string value;
 };
 
-// Appends the option to a command: the prefix and the entry, for each entry of the list, with one blank
-// behind. An entry with a blank in it is quoted unless it has a quote at either end already. No entry, no
-// text.
+// Appends the option to a command: for each entry of the list the prefix, the entry and one blank. An entry
+// that contains a blank is quoted unless it already has a quote at either end. Appends nothing for an empty
+// list.
 void ExpandOptionPair(const OptionPair& option, std::u16string& command);
 
 // The options of a generated command in order.
@@ -32,7 +32,7 @@ class OptionList {
   std::vector<OptionPair> options_;
 };
 
-// A choice of fixed texts, put together in order: those whose condition holds.
+// Concatenates, in order, those of several fixed texts whose condition holds.
 class SwitchText {
  public:
   SwitchText& add(bool condition, std::u16string_view text) {

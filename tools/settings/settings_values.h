@@ -10,10 +10,10 @@
 
 namespace forgeyard {
 
-// The values of one settings object, by the rows of its table. A copy is a clone.
+// The values of one settings object, one for each row of its table. Copying makes a clone.
 class SettingsValues {
  public:
-  // The defaults. The table is borrowed for good.
+  // Starts with the defaults. The table must outlive the object.
   explicit SettingsValues(const SettingsTable& table);
 
   const SettingsTable& table() const { return *table_; }
@@ -22,15 +22,16 @@ class SettingsValues {
   void put(std::size_t property, const BString& text);
   void put(std::size_t property, std::uint32_t number);
 
-  // Whether a put has changed a value since the last load or save.
+  // Returns whether a put has changed a value since the last load or save.
   bool changed() const { return changed_; }
   void markSaved() { changed_ = false; }
 
-  // Whether all but BuildDirty agrees; false for values of another class.
+  // Returns whether all values but BuildDirty agree; false for values of another class.
   bool logicallyEqual(const SettingsValues& other) const;
 
   void describe(RecordFields& fields);
-  // The record at the stream's position. Both throw StatusError; what was read before a failure stays.
+  // Read and write the record at the stream's position. Both throw StatusError; values read before a failure
+  // stay.
   void load(IStream* stream);
   void save(IStream* stream);
 
@@ -48,7 +49,7 @@ class SettingsValues {
   bool changed_ = false;
 };
 
-// Inside the module only: the values behind a settings object, for what works on settings of any class.
+// Used inside the module only: gives access to the values of a settings object of any class.
 struct ISettingsValues : IUnknown {
   using Base = IUnknown;
   static constexpr Guid iid = guid("C3F0A9D4-7E15-4B62-9A0D-58E1C47B2F36");

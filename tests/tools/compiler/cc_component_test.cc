@@ -9,7 +9,7 @@
 namespace forgeyard::test {
 namespace {
 
-// Writes the object, and beside the source what lies in "<source>.deps"; fails for a source that says so.
+// Writes the object, and next to the source the content of "<source>.deps"; fails for a source that says so.
 constexpr const char* kCompiler = R"(
 out= src=
 for word; do

@@ -50,7 +50,7 @@ constexpr const char* kNoTarget =
     "The target for this project was not specified. Use Project Settings, General tab to correct the Target "
     "entry.";
 
-// Gives the command, or the problem behind "! ".
+// Returns the command, or "! " and the problem.
 class TargetToolTest : public testing::Test {
  protected:
   ~TargetToolTest() override { unsetenv("FORGEYARD_REGISTRY"); }

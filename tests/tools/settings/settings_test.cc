@@ -151,7 +151,7 @@ TYPED_TEST(Settings, RecordCutShortFailsAtEveryByteAndKeepsWhatWasRead) {
     const auto loaded = make<TypeParam>();
     ASSERT_EQ(loaded->Load(make<MemoryStream>(record.substr(0, size)).get()), E_FAIL) << size;
   }
-  // All but the last number: what stands before it has arrived.
+  // All but the last number: what precedes it has arrived.
   const auto loaded = make<TypeParam>();
   EXPECT_EQ(loaded->Load(make<MemoryStream>(record.substr(0, record.size() - 1)).get()), E_FAIL);
   EXPECT_EQ(shown(getProperty(*loaded, u"CommandOutDir")), "value of CommandOutDir");
