@@ -8,13 +8,14 @@
 #include "platform/com/object.h"
 #include "platform/registry/registry_keys.h"
 #include "tests/platform/support/temporary_directory.h"
+#include "tests/support/stub_configuration.h"
 #include "typelib/cookies.h"
 
 namespace forgeyard {
 namespace {
 
 // A configuration that is nothing but its "Target".
-class TargetConfiguration final : public ComObject<Dual<IConfiguration>, Dual<IKVSupportCookies>> {
+class TargetConfiguration final : public test::StubConfiguration<Dual<IKVSupportCookies>> {
  public:
   TargetConfiguration(HRESULT status, const BString& target) : status_(status), target_(target) {}
 
@@ -26,20 +27,6 @@ class TargetConfiguration final : public ComObject<Dual<IConfiguration>, Dual<IK
   HRESULT put_Cookie(const BString&, const BString&) override { return E_NOTIMPL; }
   HRESULT DeleteCookie(const BString&) override { return E_NOTIMPL; }
   HRESULT GetCookies(Ref<IEnumString>*) override { return E_NOTIMPL; }
-
-  HRESULT get_Name(BString*) override { return E_NOTIMPL; }
-  HRESULT put_Name(const BString&) override { return E_NOTIMPL; }
-  HRESULT get_OutputDirectory(BString*) override { return E_NOTIMPL; }
-  HRESULT put_OutputDirectory(const BString&) override { return E_NOTIMPL; }
-  HRESULT get_IntermediateDirectory(BString*) override { return E_NOTIMPL; }
-  HRESULT put_IntermediateDirectory(const BString&) override { return E_NOTIMPL; }
-  HRESULT BeforeSettings() override { return E_NOTIMPL; }
-  HRESULT AfterSettings(std::int32_t) override { return E_NOTIMPL; }
-  HRESULT get_UpdateFileDependencies(std::int32_t*) override { return E_NOTIMPL; }
-  HRESULT put_UpdateFileDependencies(std::int32_t) override { return E_NOTIMPL; }
-  HRESULT get_BuildDirty(std::int32_t*) override { return E_NOTIMPL; }
-  HRESULT put_BuildDirty(std::int32_t) override { return E_NOTIMPL; }
-  HRESULT put_Project(IProject*) override { return E_NOTIMPL; }
 
  private:
   HRESULT status_;
