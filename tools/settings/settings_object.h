@@ -16,10 +16,10 @@ namespace forgeyard {
 // What FORGEYARD_SETTING can be defined as in a settings class: the two operations of a property.
 #define FORGEYARD_SETTING_ACCESSORS(TYPE, NAME, ...)                                        \
   HRESULT get_##NAME(SettingParameter<SettingsProperty::Type::TYPE>::Out* value) override { \
-    return this->get(SettingsObject::settingAt(#NAME), value);                              \
+    return this->get(settingIndex(Self::kLayout.properties, #NAME), value);                 \
   }                                                                                         \
   HRESULT put_##NAME(SettingParameter<SettingsProperty::Type::TYPE>::In value) override {   \
-    return this->put(SettingsObject::settingAt(#NAME), value);                              \
+    return this->put(settingIndex(Self::kLayout.properties, #NAME), value);                 \
   }
 
 // The settings of a tool component in one configuration. Class gives its layout and kTable, Interface is what
@@ -29,6 +29,8 @@ class SettingsObject
     : public ComObject<Dual<Interface>, IPersistStream, ISettingsEdit, ISettingsValues, IRecord> {
  public:
   using SettingsInterface = Interface;
+  // The class as the accessors name it, here and in the class itself.
+  using Self = Class;
 
   // IBuilderSettings
 #define FORGEYARD_SETTING FORGEYARD_SETTING_ACCESSORS
@@ -85,10 +87,6 @@ class SettingsObject
   }
 
  protected:
-  // The position of a property of the class.
-  static consteval std::size_t settingAt(std::string_view name) {
-    return settingIndex(Class::kLayout.properties, name);
-  }
   template <class Value>
   HRESULT get(std::size_t property, Value* value) {
     if constexpr (std::is_same_v<Value, BString>) {
