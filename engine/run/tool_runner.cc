@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "engine/run/exclude_multi_build.h"
@@ -24,6 +25,9 @@ namespace {
 constexpr std::chrono::milliseconds kReaderGrace{2000};
 // The registry value is read into a buffer of this size; a longer one counts as missing.
 constexpr std::size_t kHomeLimit = 260;
+// The system takes no argument of so many bytes, its final null included. The spawner reads a longer command
+// from standard input.
+constexpr std::size_t kArgumentLimit = std::size_t{128} * 1024;
 
 BString readSpawnPrefix() {
   const Registry registry = Registry::load(Registry::defaultFile());
@@ -68,7 +72,13 @@ std::unique_ptr<Process> ToolRunner::start(const BString& command, const BString
   const std::u16string_view path = prefix.substr(1, prefix.size() - 3);
   ProcessOptions options;
   options.program = toHost(BString(path)).value_or("");
-  options.arguments = {options.program, command.narrow()};
+  std::string text = command.narrow();
+  if (text.size() < kArgumentLimit) {
+    options.arguments = {options.program, std::move(text)};
+  } else {
+    options.arguments = {options.program, "--stdin"};
+    options.input = std::move(text);
+  }
   options.standardOutput = options.standardError = reader_->writeEnd();
   // A Ctrl-C at the terminal is the host's to answer: it stops the build in order.
   options.ownGroup = true;

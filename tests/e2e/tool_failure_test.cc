@@ -40,6 +40,15 @@ TEST_F(Sandbox, ToolThatDoesNotExistIsNamed) {
   EXPECT_EQ(count(build, "Exit Code: 127 (0x7f)."), 1) << build.output;
 }
 
+TEST_F(Sandbox, CommandLongerThanOneArgumentMayBeIsRun) {
+  Lines names;
+  for (int i = 100; i < 900; ++i) names.push_back(std::to_string(i) + std::string(190, 'x') + ".in");
+  makeToolProject(names, R"tool(ar rc "$(OutDir)all.a" "$(FileFullPathList)")tool");
+  must({"set", "tool", "RunOnce=1", "Output=all.a", "FileSeparator=\" \""});
+  EXPECT_EQ(count(must({"build"}), "Final result: OK"), 1);
+  EXPECT_EQ(run("ar", {"t", path("out/all.a")}).lines(), names);
+}
+
 TEST_F(Sandbox, DaemonLeftBehindDoesNotHoldTheBuild) {
   makeToolProject(
       {"1.in", "2.in"},
