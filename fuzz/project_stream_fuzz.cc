@@ -7,8 +7,8 @@
 
 #include "engine/classes.h"
 #include "fuzz/project_host.h"
+#include "model/project/project_records.h"
 #include "model/project/workspace_object.h"
-#include "model/records/project_records.h"
 #include "model/records/record_encoder.h"
 #include "platform/com/class_table.h"
 #include "typelib/classes.h"

@@ -5,7 +5,7 @@
 #include "engine/simple_collection.h"
 #include "model/components/component_objects.h"
 #include "model/configurations/configuration.h"
-#include "model/data_object.h"
+#include "model/core/data_object.h"
 #include "model/folders/folder.h"
 #include "model/folders/folder_settings.h"
 #include "model/folders/source_file.h"

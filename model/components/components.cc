@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 
 namespace forgeyard {
 

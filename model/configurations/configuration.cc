@@ -1,6 +1,6 @@
 #include "model/configurations/configuration.h"
 
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "typelib/classes.h"
 #include "typelib/component.h"
 #include "typelib/settings.h"

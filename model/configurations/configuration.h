@@ -4,7 +4,7 @@
 
 #include "engine/self_documentation/diagnostics.h"
 #include "engine/self_documentation/self_documenting.h"
-#include "model/cookie_table.h"
+#include "model/core/cookie_table.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
 #include "platform/storage/records/persist.h"

@@ -4,7 +4,7 @@
 
 #include "engine/modal_scope.h"
 #include "model/configurations/configuration.h"
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 
 namespace forgeyard {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "model/project/project.h"
 #include "platform/storage/records/records.h"
 #include "typelib/classes.h"

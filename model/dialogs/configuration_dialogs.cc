@@ -1,7 +1,7 @@
 #include "model/dialogs/configuration_dialogs.h"
 
 #include "engine/modal_scope.h"
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 
 namespace forgeyard {
 

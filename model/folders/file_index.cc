@@ -1,6 +1,6 @@
 #include "model/folders/file_index.h"
 
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "model/folders/file_names.h"
 #include "platform/paths/shell_path.h"
 #include "platform/text/fold.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "engine/modal_scope.h"
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "model/folders/file_names.h"
 #include "model/folders/source_file.h"
 

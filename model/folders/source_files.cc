@@ -1,6 +1,6 @@
 #include "model/folders/source_files.h"
 
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "model/folders/source_file.h"
 
 namespace forgeyard {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "typelib/folder.h"
 
 namespace forgeyard {

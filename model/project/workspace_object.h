@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/self_documentation/self_documenting.h"
-#include "model/cookie_table.h"
+#include "model/core/cookie_table.h"
 #include "platform/com/object.h"
 #include "platform/storage/records/persist.h"
 #include "typelib/host.h"

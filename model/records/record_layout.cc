@@ -1,8 +1,8 @@
 #include "model/records/record_layout.h"
 
 #include "model/configurations/configuration.h"
-#include "model/configurations/settings_block.h"
 #include "model/connections/connection.h"
+#include "model/core/settings_block.h"
 #include "model/file/stream_names.h"
 #include "platform/com/class_table.h"
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "model/classes.h"
-#include "model/enumerate.h"
+#include "model/core/enumerate.h"
 #include "model/folders/folder.h"
 #include "model/project/project.h"
 #include "tests/platform/support/temporary_directory.h"

@@ -1,4 +1,4 @@
-#include "model/file/component_storages.h"
+#include "model/core/component_storages.h"
 
 #include <algorithm>
 #include <utility>

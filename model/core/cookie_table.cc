@@ -1,4 +1,4 @@
-#include "model/cookie_table.h"
+#include "model/core/cookie_table.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "model/configurations/settings_block.h"
+#include "model/core/settings_block.h"
 
 namespace forgeyard {
 

@@ -1,4 +1,4 @@
-#include "model/records/project_records.h"
+#include "model/project/project_records.h"
 
 #include "engine/component/omission_text.h"
 #include "model/file/project_reader.h"

@@ -1,4 +1,4 @@
-#include "model/project/source_control_binding.h"
+#include "model/core/source_control_binding.h"
 
 namespace forgeyard {
 

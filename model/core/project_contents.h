@@ -4,8 +4,8 @@
 #include <utility>
 #include <vector>
 
-#include "model/configurations/settings_block.h"
-#include "model/file/component_storages.h"
+#include "model/core/component_storages.h"
+#include "model/core/settings_block.h"
 #include "typelib/component.h"
 #include "typelib/configuration.h"
 
