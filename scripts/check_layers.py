@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Checks that includes run downward: each layer includes only the layers named for it here, an include is written
-from the project's root, names a file that exists, and no header reaches itself again. Of what one program is made of,
-no two headers give one name in one namespace to two types: the linker takes one of them for both, without a word."""
+from the project's root, names a file that exists, and neither headers nor folders include each other in a circle. Of
+what one program is made of, no two headers give one name in one namespace to two types: the linker takes one of them
+for both, without a word."""
 
 import re
 import sys
@@ -84,8 +85,19 @@ def fault(path, target):
     return None if there in LAYERS[here] else f"{here} may not include {there}"
 
 
+def folders(graph):
+    """The folders that each folder of a layer includes. Files beside subfolders may serve these and list them too."""
+    between = {}
+    for path, targets in graph.items():
+        for target in targets if layer_of(path) in LAYERS else []:
+            here, there = Path(path).parent, Path(target).parent
+            if here not in [there, *there.parents] and there not in here.parents:
+                between.setdefault(str(here), []).append(str(there))
+    return between
+
+
 def circle(graph):
-    """The first circle among the headers, as a list of files, or an empty list."""
+    """The first circle in the graph, as a list of its nodes, or an empty list."""
     done, trail = set(), []
 
     def visit(path):
@@ -147,6 +159,8 @@ def main():
                 faults.append(f'{path}:{number}: "{target}": {wrong}')
     if found := circle(graph):
         faults.append("headers in a circle: " + " -> ".join(found))
+    if found := circle(folders(graph)):
+        faults.append("folders in a circle: " + " -> ".join(found))
     faults += double_types(path for path in graph if path.endswith(".h") and layer_of(path) in LAYERS)
     print("\n".join(faults) if faults else f"{len(graph)} files include downward only")
     return 1 if faults else 0

@@ -42,7 +42,7 @@ HRESULT CComponents::New(IDispatch* component) {
   return guard([&] {
     const Ref<IComponent> created = query<IComponent>(component);
     if (!created) return;
-    check(created->SetParent(static_cast<IProject*>(project_.get()), project_->services()));
+    check(created->SetParent(&project_->project(), project_->services().get()));
     std::int32_t wanted = 0;
     check(created->OnNew(&wanted));
     if (!wanted) return;

@@ -2,14 +2,14 @@
 
 #include <utility>
 
-#include "model/project/project.h"
+#include "model/core/project_core.h"
 
 namespace forgeyard {
 
 // The components of a project as a collection: a view that holds its project, made anew for each client.
 class CComponents final : public ComObject<Dual<IComponents>> {
  public:
-  explicit CComponents(Ref<CProject> project) : project_(std::move(project)) {}
+  explicit CComponents(Ref<ProjectCore> project) : project_(std::move(project)) {}
 
   HRESULT get_Count(std::int32_t* value) override;
   // General failure for a project that isn't loaded.
@@ -24,7 +24,7 @@ class CComponents final : public ComObject<Dual<IComponents>> {
   void add(IComponent& component);
   void makeElement(IComponent& component, const BString& element);
 
-  Ref<CProject> project_;
+  Ref<ProjectCore> project_;
 };
 
 }  // namespace forgeyard

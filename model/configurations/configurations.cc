@@ -41,7 +41,7 @@ HRESULT CConfigurations::New(const BString& name, IConfiguration* basedOn, Ref<I
 
 Ref<IConfiguration> CConfigurations::make(const BString& name, IConfiguration* basedOn) const {
   const auto created = forgeyard::make<CConfiguration>();
-  check(created->put_Project(project_.get()));
+  check(created->put_Project(&project_->project()));
   check(created->put_Name(name));
   BString output(u"");
   BString intermediate(u"");
@@ -59,18 +59,18 @@ Ref<IConfiguration> CConfigurations::make(const BString& name, IConfiguration* b
 }
 
 void CConfigurations::add(IConfiguration& configuration, IConfiguration* basedOn) {
-  project_->tellComponents(
+  project_->notifications().sendToComponents(
       [&](IProjectE& component) { ignore(component.OnNewConfiguration(&configuration, basedOn)); });
   auto& list = project_->contents().configurations;
   list.emplace_back(&configuration);
-  project_->tell(kProjectConfigurations);
-  if (list.size() == 1) check(project_->put_ActiveConfiguration(&configuration));
-  project_->forgetConfigurationMenu();
-  check(project_->put_Dirty(1));
+  project_->notifications().send(kProjectConfigurations);
+  if (list.size() == 1) check(project_->project().put_ActiveConfiguration(&configuration));
+  project_->services().refreshConfigurationMenu();
+  check(project_->project().put_Dirty(1));
 }
 
 void CConfigurations::refuseWhileBuilding() const {
-  const ModalScope scope(project_->services());
+  const ModalScope scope(project_->services().get());
   scope.show(u"A project's active configuration may not be deleted during a build", u"Project",
              MessageButtons::Ok, MessageIcon::Exclamation);
 }
@@ -86,12 +86,12 @@ HRESULT CConfigurations::Delete(IConfiguration* configuration) {
     const Ref<IConfiguration> gone = *found;
     const bool active = sameObject(project_->contents().active.get(), gone.get());
     if (active && project_->building()) return refuseWhileBuilding();
-    project_->tellComponents(
+    project_->notifications().sendToComponents(
         [&](IProjectE& component) { ignore(component.OnDeletedConfiguration(gone.get())); });
     std::erase(list, gone);
-    project_->contentsChanged(kProjectConfigurations);
-    project_->forgetConfigurationMenu();
-    if (active) check(project_->put_ActiveConfiguration(list.front().get()));
+    project_->notifications().contentsChanged(kProjectConfigurations);
+    project_->services().refreshConfigurationMenu();
+    if (active) check(project_->project().put_ActiveConfiguration(list.front().get()));
   });
 }
 

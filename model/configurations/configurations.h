@@ -2,14 +2,14 @@
 
 #include <utility>
 
-#include "model/project/project.h"
+#include "model/core/project_core.h"
 
 namespace forgeyard {
 
 // The configurations of a project as a collection: a view that holds its project, made anew for each client.
 class CConfigurations final : public ComObject<Dual<IConfigurations>> {
  public:
-  explicit CConfigurations(Ref<CProject> project) : project_(std::move(project)) {}
+  explicit CConfigurations(Ref<ProjectCore> project) : project_(std::move(project)) {}
 
   HRESULT get_Item(const BString& name, Ref<IConfiguration>* out) override;
   HRESULT get_Count(std::int32_t* value) override;
@@ -24,7 +24,7 @@ class CConfigurations final : public ComObject<Dual<IConfigurations>> {
   void add(IConfiguration& configuration, IConfiguration* basedOn);
   void refuseWhileBuilding() const;
 
-  Ref<CProject> project_;
+  Ref<ProjectCore> project_;
 };
 
 }  // namespace forgeyard

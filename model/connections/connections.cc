@@ -3,21 +3,21 @@
 #include <algorithm>
 
 #include "model/core/enumerate.h"
-#include "model/project/project.h"
+#include "model/core/project_core.h"
 #include "platform/storage/records/records.h"
 #include "typelib/classes.h"
 
 namespace forgeyard {
 
 WeakRef<IProject> CConnections::weakProject() const {
-  return WeakRef<IProject>(static_cast<IProject*>(project_));
+  return WeakRef<IProject>(project_ ? &project_->project() : nullptr);
 }
 
 void CConnections::changed() {
   changed_ = true;
   if (!project_) return;
-  ignore(project_->put_Dirty(1));
-  project_->tell(kProjectConnections);
+  ignore(project_->project().put_Dirty(1));
+  project_->notifications().send(kProjectConnections);
 }
 
 ConnectionGraph& CConnections::graph() {

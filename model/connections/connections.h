@@ -6,13 +6,13 @@
 
 namespace forgeyard {
 
-class CProject;
+class ProjectCore;
 
 // The connections of a project, in order of creation. Lives as long as its project and knows it until
 // detach(). Main thread only.
 class CConnections final : public ComObject<Dual<IConnections>, IPersistStream> {
  public:
-  explicit CConnections(CProject& project) : project_(&project) {}
+  explicit CConnections(ProjectCore& project) : project_(&project) {}
 
   // IConnections
   HRESULT get_Item(IComponent* lhs, Ref<IConnection>* out) override;
@@ -44,7 +44,7 @@ class CConnections final : public ComObject<Dual<IConnections>, IPersistStream> 
   ConnectionGraph& graph();
   void changed();
 
-  CProject* project_;
+  ProjectCore* project_;
   std::vector<Ref<CConnection>> list_;
   ConnectionGraph graph_;
   bool changed_ = false;

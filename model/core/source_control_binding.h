@@ -6,7 +6,7 @@
 
 namespace forgeyard {
 
-class CProject;
+class ProjectCore;
 
 // What a project asks of its source control: made by a factory that the source control layer puts in place,
 // one for each project, when it is first needed. Without a factory a project is uncontrolled. Operations
@@ -34,7 +34,7 @@ class ISourceControlBinding {
   virtual void Disconnect() = 0;
 };
 
-using SourceControlFactory = std::unique_ptr<ISourceControlBinding> (*)(CProject& project);
+using SourceControlFactory = std::unique_ptr<ISourceControlBinding> (*)(ProjectCore& project);
 
 // Null takes it away. The project outlives its binding.
 void setSourceControlFactory(SourceControlFactory factory);

@@ -6,6 +6,7 @@
 #include "model/configurations/configuration.h"
 #include "model/file/stream_names.h"
 #include "platform/com/class_table.h"
+#include "typelib/connection.h"
 
 namespace forgeyard {
 
@@ -17,9 +18,10 @@ constexpr std::uint32_t kSubStorage = STGM_TRANSACTED | STGM_SHARE_EXCLUSIVE;
 }  // namespace
 
 void ProjectReader::leaveOut(std::string what, std::string why) {
-  const bool known = std::any_of(omissions_.begin(), omissions_.end(),
+  std::vector<LoadOmission>& omissions = project_.report().omissions;
+  const bool known = std::any_of(omissions.begin(), omissions.end(),
                                  [&](const LoadOmission& o) { return o.what == what && o.why == why; });
-  if (!known) omissions_.push_back({std::move(what), std::move(why)});
+  if (!known) omissions.push_back({std::move(what), std::move(why)});
 }
 
 Ref<IStream> ProjectReader::stream(const char16_t* name) {
@@ -65,7 +67,7 @@ void ProjectReader::readConfigurations() {
   // A list that is cut short keeps what precedes the cut, so its length isn't checked first.
   for (std::uint32_t left = record.u32(); left > 0; --left) {
     const auto configuration = make<CConfiguration>();
-    check(configuration->put_Project(&project_));
+    check(configuration->put_Project(&project_.project()));
     check(configuration->Load(source.get()));
     project_.contents().configurations.emplace_back(configuration);
   }
@@ -74,10 +76,10 @@ void ProjectReader::readConfigurations() {
 
 void ProjectReader::activate(const BString& name) {
   Ref<IConfigurations> configurations;
-  check(project_.get_Configurations(&configurations));
+  check(project_.project().get_Configurations(&configurations));
   step_ = quoted("active configuration", name);
   check(configurations->get_Item(name, &project_.contents().active));
-  project_.tell(kProjectActiveConfiguration);
+  project_.notifications().send(kProjectActiveConfiguration);
 }
 
 void ProjectReader::readComponents() {
@@ -110,7 +112,7 @@ void ProjectReader::readComponent(const STATSTG& element) {
 }
 
 void ProjectReader::attach(IComponent& component, IPersistStorage& persist, IStorage& storage) {
-  check(component.SetParent(static_cast<IProject*>(&project_), project_.services()));
+  check(component.SetParent(&project_.project(), project_.services().get()));
   check(component.Init());
   check(persist.Load(&storage));
 }
@@ -119,7 +121,7 @@ void ProjectReader::readConnections() {
   const Ref<IStream> source = stream(kConnectionsStream);
   if (!source) return;
   Ref<IConnections> connections;
-  check(project_.get_Connections(&connections));
+  check(project_.project().get_Connections(&connections));
   check(connections.as<IPersistStream>()->Load(source.get()));
 }
 

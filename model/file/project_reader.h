@@ -1,23 +1,23 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
-#include "model/project/project.h"
+#include "model/core/project_core.h"
 
 namespace forgeyard {
 
 // Reads an open project file into a project. Best effort: the first failure in the contents ends the reading,
-// what was read stays, and the omissions say what was left out and why. Lives for one load.
+// what was read stays, and the omissions of the project's report say what was left out and why. Lives for one
+// load.
 class ProjectReader {
  public:
   // Components keep their storages, which are opened with these rights.
   enum class Access { ReadOnly, ReadWrite };
 
-  ProjectReader(CProject& project, IStorage& root, std::vector<LoadOmission>& omissions,
-                Access access = Access::ReadWrite)
-      : project_(project), root_(root), omissions_(omissions), access_(access) {}
+  ProjectReader(ProjectCore& project, IStorage& root, Access access = Access::ReadWrite)
+      : project_(project), root_(root), access_(access) {}
 
+  // "Settings"; the project keeps what it has when that stream is missing or damaged.
   void readSettings();
   // Configurations, components, connections.
   void readContents();
@@ -33,9 +33,8 @@ class ProjectReader {
   void leaveOutDamage();
   void leaveOut(std::string what, std::string why);
 
-  CProject& project_;
+  ProjectCore& project_;
   IStorage& root_;
-  std::vector<LoadOmission>& omissions_;
   Access access_;
   std::string step_;  // what is being read, for the omissions
 };

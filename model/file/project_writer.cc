@@ -1,6 +1,7 @@
 #include "model/file/project_writer.h"
 
 #include "model/file/stream_names.h"
+#include "typelib/connection.h"
 
 namespace forgeyard {
 
@@ -24,7 +25,7 @@ void ProjectWriter::writeStreams() {
   {
     const Ref<IStream> target = stream(kConnectionsStream);
     Ref<IConnections> connections;
-    check(project_.get_Connections(&connections));
+    check(project_.project().get_Connections(&connections));
     check(connections.as<IPersistStream>()->Save(target.get(), true));
   }
   writeConfigurations(*stream(kConfigurationsStream));

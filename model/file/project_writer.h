@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/project/project.h"
+#include "model/core/project_core.h"
 
 namespace forgeyard {
 
@@ -8,7 +8,7 @@ namespace forgeyard {
 // StatusError. Lives for one save.
 class ProjectWriter {
  public:
-  ProjectWriter(CProject& project, IStorage& root) : project_(project), root_(root) {}
+  ProjectWriter(ProjectCore& project, IStorage& root) : project_(project), root_(root) {}
 
   void writeStreams();
 
@@ -16,7 +16,7 @@ class ProjectWriter {
   Ref<IStream> stream(const char16_t* name);
   void writeConfigurations(IStream& stream);
 
-  CProject& project_;
+  ProjectCore& project_;
   IStorage& root_;
 };
 

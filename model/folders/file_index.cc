@@ -63,8 +63,12 @@ Ref<ISourceFile> walkFolder(const BString& wanted, IFolder& folder) {
 
 }  // namespace
 
-Ref<ISourceFile> FileIndex::find(const BString& name, const std::vector<Ref<IComponent>>& components) {
-  if (generation_ != fileNamesGeneration()) rebuild(components);
+Ref<ISourceFile> FileIndex::find(const BString& name, const std::vector<Ref<IComponent>>& components,
+                                 std::uint64_t componentsVersion) {
+  if (generation_ != fileNamesGeneration() || componentsVersion_ != componentsVersion) {
+    rebuild(components);
+    componentsVersion_ = componentsVersion;
+  }
   const BString wanted = compared(name);
   const std::uint32_t plain = findPlain(wanted);
   if (Ref<ISourceFile> earlier = findAsked(wanted, plain)) return earlier;

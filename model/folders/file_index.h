@@ -16,10 +16,9 @@ namespace forgeyard {
 // anew when a name or a folder has changed. Borrows the files; main thread only.
 class FileIndex {
  public:
-  // Null when no file matches.
-  Ref<ISourceFile> find(const BString& name, const std::vector<Ref<IComponent>>& components);
-  // The list of components has changed.
-  void invalidate() { generation_ = 0; }
+  // Null when no file matches. The version goes up with each change of the list of components.
+  Ref<ISourceFile> find(const BString& name, const std::vector<Ref<IComponent>>& components,
+                        std::uint64_t componentsVersion);
 
  private:
   struct Entry {
@@ -42,7 +41,8 @@ class FileIndex {
   std::uint32_t findPlain(const BString& name) const;
   Ref<ISourceFile> findAsked(const BString& name, std::uint32_t before) const;
 
-  std::uint64_t generation_ = 0;
+  std::uint64_t generation_ = 0;  // of the names; 0 while there is no index
+  std::uint64_t componentsVersion_ = 0;
   std::vector<Entry> entries_;        // every file, in the order of the walk; no name for an asked one
   std::vector<Asked> asked_;          // in the order of the walk
   std::vector<std::uint32_t> slots_;  // open addressing: position in entries_ plus 1

@@ -90,8 +90,8 @@ void FileInsertion::run(IEnumString* files, IDispatch* folder) {
 
 void FileInsertion::add(const BString& name, ISourceFiles& files) {
   const auto file = make<CSourceFile>();
-  check(file->put_Project(&project_));
-  check(file->put_PersistAs(persistedName(name, project_.workingDirectory())));
+  check(file->put_Project(&project_.project()));
+  check(file->put_PersistAs(persistedName(name, project_.contents().workingDirectory)));
   check(file->put_Name(name));
   check(files.Add(file.get()));
 }
@@ -105,7 +105,7 @@ void FileInsertion::tellRefused() const {
     text += name.view();
     text += u'\n';
   }
-  const ModalScope scope(project_.services());
+  const ModalScope scope(project_.services().get());
   scope.show(text, u"Add Files", MessageButtons::Ok, MessageIcon::Information);
 }
 

@@ -5,7 +5,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "model/project/project.h"
+#include "model/core/project_core.h"
 #include "typelib/folder.h"
 
 namespace forgeyard {
@@ -19,7 +19,7 @@ bool takesExtension(std::u16string_view list, std::u16string_view extension);
 // project has them. Lives for one insertion.
 class FileInsertion {
  public:
-  explicit FileInsertion(CProject& project) : project_(project) {}
+  explicit FileInsertion(ProjectCore& project) : project_(project) {}
 
   // Inserts the files, into `folder` if that is given, else by their extensions. Throws StatusError(E_FAIL)
   // when the project has no folder.
@@ -38,7 +38,7 @@ class FileInsertion {
   ISourceFiles* targetFor(const BString& name) const;
   void add(const BString& name, ISourceFiles& files);
 
-  CProject& project_;
+  ProjectCore& project_;
   std::vector<Target> targets_;
   std::unordered_set<std::u16string> names_;  // of all files, with a to z as capitals
   std::vector<BString> refused_;

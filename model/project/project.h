@@ -9,10 +9,10 @@
 #include "engine/self_documentation/diagnostics.h"
 #include "engine/self_documentation/self_documenting.h"
 #include "model/connections/connections.h"
-#include "model/core/project_contents.h"
-#include "model/core/source_control_binding.h"
+#include "model/core/project_core.h"
 #include "model/folders/file_index.h"
 #include "model/folders/name_pool.h"
+#include "model/project/project_file.h"
 #include "platform/com/connection_point.h"
 #include "platform/com/weak_ref.h"
 #include "typelib/project.h"
@@ -20,13 +20,11 @@
 
 namespace forgeyard {
 
-// The root of the project model and the head of the build chain. Owns its configurations, components,
-// connections and the open compound file; components and configurations point back at it weakly. The build
-// tool makes it, gives it the host's services and ends it with OnClose(), which breaks all cycles. Main
-// thread only.
-//
-// `Dirty` says that the contents differ from the file, `BuildDirty` that a build is due; the latter isn't
-// stored.
+// The root of the project model and the head of the build chain. What it is made of works by itself: the core
+// has the contents, the services and the notifications, ProjectFile loads and saves them, the collections
+// change them; this object gives them their interfaces and joins the project to a build. Components and
+// configurations refer to it weakly. The build tool makes it, gives it the host's services and ends it with
+// OnClose(), which breaks all cycles. Main thread only.
 class CProject final
     : public ComObject<Dual<IProject>, ConnectionPoints<IPropertyNotifySink, IProjectE>, IPersistStream,
                        CBuilderInputOutput, OutputTab, WeakSource, IComponentSite, IProjectReport,
@@ -93,9 +91,9 @@ class CProject final
   HRESULT EndChanges() override;
 
   // IProjectReport
-  const std::vector<LoadOmission>& omissions() const override { return omissions_; }
-  HRESULT loadFailure() const override { return loadFailure_; }
-  HRESULT saveFailure() const override { return saveFailure_; }
+  const std::vector<LoadOmission>& omissions() const override { return core_.report().omissions; }
+  HRESULT loadFailure() const override { return core_.report().loadFailure; }
+  HRESULT saveFailure() const override { return core_.report().saveFailure; }
 
   // IProjectRecords
   HRESULT ReadRecords(const BString& path, ProjectRecords* out) override;
@@ -105,29 +103,11 @@ class CProject final
   // IWorkspaceProjectRecord
   HRESULT ReadRecord(IStream* stream, StoredWorkspaceProject* out) override;
 
-  // For the other classes of the model and for source control.
-
-  ProjectContents& contents() { return contents_; }
-  SourceControlState& sourceControl() { return sourceControl_; }
-  IServiceLookup* services() const { return services_.get(); }
-  const BString& workingDirectory() const { return workingDirectory_; }
-  // The full path of the project file.
-  BString filePath() const;
+  // For source control, the commands and the module's own records.
+  ProjectCore& core() { return core_; }
+  ProjectContents& contents() { return core_.contents(); }
+  SourceControlState& sourceControl() { return core_.sourceControl(); }
   bool building() const { return !resting(); }
-  // Sends a notification.
-  void tell(std::int32_t id) const { notify(id); }
-  // Sends a notification and marks the project dirty.
-  void contentsChanged(std::int32_t id);
-  // The list of components changed.
-  void componentsChanged();
-  // Calls body(IProjectE&) for every component that listens.
-  template <class Body>
-  void tellComponents(Body&& body) const {
-    point<IProjectE>()->fire(std::forward<Body>(body));
-  }
-  void forgetConfigurationMenu() const;
-  // Reads "Settings" of an open project file; keeps what it has when that stream is missing or damaged.
-  void readSettings(IStorage& root);
 
  protected:
   ~CProject() override;
@@ -139,41 +119,23 @@ class CProject final
   void OnTaskEnded() override;
   void StartTask() override;
   void ReportResult(e_btr) override {}
-  IServiceLookup* outputServices() const override { return services_.get(); }
+  IServiceLookup* outputServices() const override { return core_.services().get(); }
   const History& history() const override;
 
   void collectTerminalComponents();
   Ref<IBuilderTask> builderTask() const;
   void computeExternalDependencies();
-  void setDirty() { ignore(put_Dirty(1)); }
-  // The binding, made on first need; null without source control.
-  ISourceControlBinding* binding();
+  void contentsChanged(std::int32_t id) { core_.notifications().contentsChanged(id); }
 
-  Ref<IStorage> openForLoad();
-  void writeFile();
-  void storeChanges();
-  void closeComponents(bool cutLinks);
-  void clearContents();
-  // Whether the project was loaded.
-  bool readRecord(IStream& stream);
-
-  Ref<IServiceLookup> services_;
-  Ref<ICommandHost> commandHost_;
-  bool buildDirty_ = false;
-  BString workingDirectory_;
+  ProjectCore core_{
+      *this, {*this, point<IPropertyNotifySink>(), point<IProjectE>()}, [this] { return building(); }};
+  ProjectFile file_{core_};
   bool active_ = false;
-  bool dirty_ = false;
-  ProjectContents contents_;
-  SourceControlState sourceControl_;
-  std::unique_ptr<ISourceControlBinding> binding_;
   Ref<CConnections> connections_;
   std::vector<BString> externalDependencies_;  // sorted, each once
   FileIndex fileIndex_;
   std::shared_ptr<NamePool> names_ = NamePool::shared();  // held for the files
   int updatesHeld_ = 0;
-  std::vector<LoadOmission> omissions_;
-  HRESULT loadFailure_ = S_OK;
-  HRESULT saveFailure_ = S_OK;
   Diagnostics diagnostics_{static_cast<IProject*>(this)};
 };
 

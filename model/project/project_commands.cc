@@ -41,7 +41,7 @@ bool ProjectCommands::mayLoseChanges() const {
   std::int32_t dirty = 0;
   check(project_.get_Dirty(&dirty));
   if (!dirty || !project_.contents().root) return true;
-  const ModalScope scope(project_.services());
+  const ModalScope scope(project_.core().services().get());
   return scope.show(
              u"You have made changes to this project. If you unload \nthe project now, you will lose those "
              u"changes.",
@@ -67,7 +67,7 @@ HRESULT ProjectCommands::activate(std::size_t configuration) {
     const auto& all = project_.contents().configurations;
     if (configuration >= all.size()) return E_INVALIDARG;
     if (!project_.building()) return project_.put_ActiveConfiguration(all[configuration].get());
-    const ModalScope scope(project_.services());
+    const ModalScope scope(project_.core().services().get());
     scope.show(u"A project's active configuration may not be changed during a build", u"Project",
                MessageButtons::Ok, MessageIcon::Exclamation);
     return S_FALSE;
@@ -87,8 +87,8 @@ HRESULT ProjectCommands::insertFiles() {
   return guard([&] {
     Ref<IEnumString> chosen;
     {
-      const ModalScope scope(project_.services());
-      const Ref<IDialogHost> host = lookUp<IDialogHost>(project_.services(), SID_MainFrame);
+      const ModalScope scope(project_.core().services().get());
+      const Ref<IDialogHost> host = lookUp<IDialogHost>(project_.core().services().get(), SID_MainFrame);
       if (!host) return E_FAIL;
       check(host->ChooseFiles(u"Insert files into active project", fileFilters(), &chosen));
     }

@@ -36,12 +36,11 @@ LoadResult loadOnTrial(IStorage& root, const BString& path) {
   PathRemoveFileSpecA(directory);
   const auto project = make<CProject>();
   check(project->put_WorkingDirectory(directory));
-  std::vector<LoadOmission> omissions;
-  ProjectReader reader(*project, root, omissions, ProjectReader::Access::ReadOnly);
+  ProjectReader reader(project->core(), root, ProjectReader::Access::ReadOnly);
   reader.readSettings();
   reader.readContents();
   LoadResult result = resultOf(*project);
-  result.leftOut = std::move(omissions);
+  result.leftOut = std::exchange(project->core().report().omissions, {});
   check(project->OnClose());
   return result;
 }
@@ -58,16 +57,14 @@ ProjectRecords readProjectRecords(IStorage& root, const BString& path) {
   return records;
 }
 
-HRESULT CProject::ReadRecords(const BString& path, ProjectRecords* out) {
-  return guard([&] {
-    Ref<IStorage> root;
-    check(StgOpenStorage(path, kLook, &root));
-    *out = readProjectRecords(*root, path);
-  });
+ProjectRecords readProjectRecords(const BString& path) {
+  Ref<IStorage> root;
+  check(StgOpenStorage(path, kLook, &root));
+  return readProjectRecords(*root, path);
 }
 
-HRESULT CProject::WriteRecords(const BString& path, const RecordNode& records, bool replace,
-                               RecordFault* fault) {
+HRESULT writeProjectRecords(const BString& path, const RecordNode& records, bool replace,
+                            RecordFault* fault) {
   return guard([&] {
     StorageBytes bytes;
     try {

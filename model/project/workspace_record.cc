@@ -1,7 +1,4 @@
-// The record that the workspace keeps of each project.
-
-#include "model/project/project.h"
-#include "typelib/classes.h"
+#include "model/project/workspace_record.h"
 
 namespace forgeyard {
 
@@ -11,60 +8,33 @@ constexpr std::uint32_t kRecordVersion = 2;
 
 }  // namespace
 
-HRESULT CProject::GetClassID(Guid* out) {
-  *out = CLSID_Project;
-  return S_OK;
+void writeWorkspaceRecord(ProjectCore& project, IStream& stream) {
+  ProjectContents& contents = project.contents();
+  const SourceControlState& sourceControl = project.sourceControl();
+  RecordWriter record(&stream);
+  record.u32(kRecordVersion);
+  record.listedString(contents.workingDirectory);
+  record.i32(contents.settings.ssVersion);
+  record.u8(sourceControl.localChanges ? 1 : 0);
+  record.u8(sourceControl.control ? 1 : 0);
+  record.u8(contents.root ? 1 : 0);
+  contents.settings.save(record);
+  sourceControl.logon.save(record);
 }
 
-HRESULT CProject::IsDirty() {
-  return dirty_ ? S_OK : S_FALSE;
-}
-
-// The project's own file is written first; if that fails the workspace still keeps the project.
-HRESULT CProject::Save(IStream* stream, bool) {
-  return guard([&] {
-    if (contents_.root) ignore(ProjectSave());
-    RecordWriter record(stream);
-    record.u32(kRecordVersion);
-    record.listedString(workingDirectory_);
-    record.i32(contents_.settings.ssVersion);
-    record.u8(sourceControl_.localChanges ? 1 : 0);
-    record.u8(sourceControl_.control ? 1 : 0);
-    record.u8(contents_.root ? 1 : 0);
-    contents_.settings.save(record);
-    sourceControl_.logon.save(record);
-  });
-}
-
-// A project whose file can't be loaded stays in the workspace, unloaded.
-HRESULT CProject::Load(IStream* stream) {
-  return guard([&] {
-    if (readRecord(*stream)) ignore(ProjectLoad());
-    computeExternalDependencies();
-    check(put_Dirty(0));
-  });
-}
-
-HRESULT CProject::ReadRecord(IStream* stream, StoredWorkspaceProject* out) {
-  return guard([&] {
-    out->loaded = readRecord(*stream);
-    out->name = contents_.settings.name;
-    out->workingDirectory = workingDirectory_;
-    out->fileName = contents_.settings.fileName;
-  });
-}
-
-bool CProject::readRecord(IStream& stream) {
+bool readWorkspaceRecord(ProjectCore& project, IStream& stream) {
+  ProjectContents& contents = project.contents();
+  SourceControlState& sourceControl = project.sourceControl();
   RecordReader record(&stream);
   const std::uint32_t version = record.u32();
-  workingDirectory_ = record.listedString();
+  contents.workingDirectory = record.listedString();
   const std::int32_t ssVersion = record.i32();
-  sourceControl_.localChanges = record.u8() != 0;
-  sourceControl_.control = record.u8() != 0;
+  sourceControl.localChanges = record.u8() != 0;
+  sourceControl.control = record.u8() != 0;
   const bool loaded = version == 0 || record.u8() != 0;
-  contents_.settings = SettingsBlock::load(record);
-  contents_.settings.ssVersion = ssVersion;
-  if (version > 1) sourceControl_.logon = LogonBlock::load(record);
+  contents.settings = SettingsBlock::load(record);
+  contents.settings.ssVersion = ssVersion;
+  if (version > 1) sourceControl.logon = LogonBlock::load(record);
   return loaded;
 }
 

@@ -77,7 +77,7 @@ TEST_P(GoldenProject, LoadBringsUpWhatItShould) {
 
 TEST_P(GoldenProject, RelativeFilesFollowTheDirectoryAndOthersStay) {
   const Ref<CProject> project = loaded();
-  const std::string directory = project->workingDirectory().narrow();
+  const std::string directory = project->contents().workingDirectory.narrow();
   ASSERT_EQ(project->contents().components.size(), expected_["components"].size());
   for (std::size_t at = 0; at < project->contents().components.size(); ++at) {
     const Ref<IFolderFiles> folder = project->contents().components[at].as<IFolderFiles>();

@@ -101,10 +101,10 @@ TEST_F(ProjectFileTest, ThePathHasOneBackslashBeforeTheFileName) {
   const Ref<CProject> made = project();
   for (const char16_t* directory : {u"\\w", u"\\w\\"}) {
     check(made->put_WorkingDirectory(directory));
-    EXPECT_EQ(made->filePath().narrow(), "\\w\\demo.nqp");
+    EXPECT_EQ(made->core().filePath().narrow(), "\\w\\demo.nqp");
   }
   check(made->put_WorkingDirectory(u"\\w/"));
-  EXPECT_EQ(made->filePath().narrow(), "\\w/\\demo.nqp");
+  EXPECT_EQ(made->core().filePath().narrow(), "\\w/\\demo.nqp");
 }
 
 // States
